@@ -1,0 +1,20 @@
+#pragma once
+// Each family of `orvane` subcommands registers itself on the application.
+// The functions live in cli/<family>_command.cpp; main.cpp only calls them.
+#include <CLI/CLI.hpp>
+
+namespace orvane::cli {
+
+// Exit codes of every subcommand.
+inline constexpr int kExitOk = 0;
+inline constexpr int kExitFailure = 1;   // the operation failed (message printed)
+inline constexpr int kExitUsage = 2;     // wrong command line
+
+void addCalcCommand(CLI::App& app);     // orvane calc 3j|6j|9j|ck|dj
+void addEigenCommand(CLI::App& app);    // orvane eigen FILE
+void addParCommand(CLI::App& app);      // orvane par check FILE
+void addTablesCommand(CLI::App& app);   // orvane tables build|compare|...
+// Crystal-field parameter tools: orvane convert|rotate|invariants|cubic|sm
+void addCrystalFieldCommands(CLI::App& app);
+
+}  // namespace orvane::cli

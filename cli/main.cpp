@@ -1,0 +1,24 @@
+// The `orvane` command: a thin front end over the libraries. Each subcommand
+// parses its arguments, calls one library operation, prints what it returns and
+// sets the exit code (0 success, 1 failure of the operation, 2 usage error).
+#include <iostream>
+
+#include "cli/commands.hpp"
+#include "cli/exit_code.hpp"
+
+int main(int argc, char** argv) {
+    CLI::App app{"Orvane: spectroscopy of open f-shell ions in crystals"};
+    app.require_subcommand(1);
+    orvane::cli::addCalcCommand(app);
+    orvane::cli::addEigenCommand(app);
+    orvane::cli::addParCommand(app);
+    orvane::cli::addTablesCommand(app);
+    orvane::cli::addCrystalFieldCommands(app);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        const int code = app.exit(error);
+        return code == 0 ? orvane::cli::kExitOk : orvane::cli::kExitUsage;
+    }
+    return orvane::cli::exitCode();
+}

@@ -1,0 +1,57 @@
+#pragma once
+// Angular-momentum coupling coefficients (Racah's formulas, Edmonds' phases).
+//
+// Two faces:
+//  * the boundary functions take the physical reals (7/2 is 3.5), test
+//    integrality and triangles with absolute tolerances (0.001; 0.01 for the
+//    projection sum) and round to the nearest twice-J integer once;
+//  * the ...2 functions take twice-J integers directly and are what the table
+//    generators and the Hamiltonian call in their loops.
+// An invalid symbol (triangle or projection rule broken) is 0, never an error.
+// Every factorial is a lookup in the 80-entry table 0!..79!; a symbol that
+// would need a larger factorial throws FactorialRangeError naming the argument.
+#include <array>
+#include <stdexcept>
+#include <string>
+
+#include <Eigen/Dense>
+
+namespace orvane {
+
+class FactorialRangeError : public std::out_of_range {
+public:
+    FactorialRangeError(int argument, const std::string& where);
+    int argument() const { return argument_; }
+
+private:
+    int argument_;
+};
+
+// Entry i holds i! for i = 0..79, filled once on first use.
+const std::array<double, 80>& FactorialTable();
+// i! from the table; throws FactorialRangeError outside 0..79.
+double Factorial(int i, const char* where = "Factorial");
+
+// (-1)^x for integral x, taken of |x|: +1 when round(|x| + 0.1) is even.
+double PhaseSign(double x);
+// sqrt((a+b-c)! (a-b+c)! (-a+b+c)! / (a+b+c+1)!)
+double TriangleCoefficient(double a, double b, double c);
+
+double ThreeJ(double j1, double j2, double j3, double m1, double m2, double m3);
+double SixJ(double j1, double j2, double j3, double j4, double j5, double j6);
+// Arguments row by row. Returns 0 when the only admissible x is 0 (kept on purpose).
+double NineJ(double j1, double j2, double j3, double j4, double j5, double j6, double j7,
+             double j8, double j9);
+// <l || C(k) || l'> = (-1)^l sqrt((2l+1)(2l'+1)) (l k l'; 0 0 0)
+double ReducedCk(double l, double k, double lp);
+// d(J)_{m m'}(beta), beta in radians; row/column i (0-based) is m = i - J.
+Eigen::MatrixXd RotationMatrixD(double J, double beta);
+
+// Twice-J integer forms (tj = 2j, tm = 2m).
+double ThreeJ2(int tj1, int tj2, int tj3, int tm1, int tm2, int tm3);
+double SixJ2(int tj1, int tj2, int tj3, int tj4, int tj5, int tj6);
+double NineJ2(int tj1, int tj2, int tj3, int tj4, int tj5, int tj6, int tj7, int tj8, int tj9);
+// <j1 m1 j2 m2 | J M> = (-1)^(j1-j2+M) sqrt(2J+1) (j1 j2 J; m1 m2 -M)
+double ClebschGordan2(int tj1, int tm1, int tj2, int tm2, int tJ, int tM);
+
+}  // namespace orvane

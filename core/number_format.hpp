@@ -1,0 +1,36 @@
+#pragma once
+// Number-to-text forms of everything Orvane prints.
+//
+// formatNumber follows the picture formats of classic BASIC's Format function:
+// '0' is a digit that is always shown, '#' a digit shown when significant and
+// otherwise replaced by a blank (so that columns line up), '.' the decimal
+// point, a literal text elsewhere is copied, and ';' separates the section for
+// non-negative values from the section for negative ones (which then carries its
+// own sign). Values are rounded half away from zero to the digits of the
+// picture; a value too wide for the picture is printed in full, never cut.
+//   formatNumber(3.14159, "######0.0000") == "      3.1416"
+//   formatNumber(-2, " #0;-#0") == "-2", formatNumber(2, " #0;-#0") == "  2"
+#include <ctime>
+#include <string>
+#include <string_view>
+
+namespace orvane {
+
+std::string formatNumber(double value, std::string_view picture);
+
+// The runtime's general number-to-text form (classic BASIC's Str$): up to 15
+// significant digits, no trailing zeros, no zero before the decimal point, a
+// leading blank for non-negative values (the place of the minus sign), and E
+// notation below 1e-5 and from 1e15 on: " 1", "-.5", " .25", " 1.2E-06", " 1E+15".
+std::string generalNumber(double value);
+
+// A doubled angular momentum printed as "7/2" for 7 and "3" for 6 (the "##/2"
+// picture: half-integers as a fraction over 2, integers plain).
+std::string formatTwiceJ(int twiceJ);
+
+// "YYYY-MM-DD" and "hh:mm:ss" of a local time.
+std::string formatDate(const std::tm& time);
+std::string formatTime(const std::tm& time);
+std::tm localNow();
+
+}  // namespace orvane

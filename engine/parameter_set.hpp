@@ -1,0 +1,85 @@
+#pragma once
+// The content of one parameter file (".par"): the free-ion and crystal-field
+// parameters of one ion at one site and the line of run switches.
+// Energies are in the set's energy unit (cm^-1 unless energyUnit says otherwise).
+#include <array>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace orvane {
+
+// A value as written in the file or typed in the editor, with its number.
+// The text may carry more than the number: "123.4(5)" (value and uncertainty),
+// "0.56M0" (a multiple of M0). `value` is the number the engine uses.
+struct ParameterCell {
+    std::string text;
+    double value = 0.0;
+};
+
+struct FreeIonRow {
+    std::string name;
+    ParameterCell cell;
+};
+
+struct CrystalFieldRow {
+    int k = 0;
+    int q = 0;
+    ParameterCell re;
+    ParameterCell im;
+};
+
+enum class CfConvention { Wybourne, Stevens, UnitOperators };
+
+enum class EnergyUnit { Wavenumber = 1, MilliElectronVolt = 2, Kelvin = 3, MilliRydberg = 4 };
+
+// Electrostatic parameter form: 1 Racah E^k, 2 Slater F_k, 3 Slater F^k.
+enum class SlaterType { RacahE = 1, SlaterFLower = 2, SlaterFUpper = 3 };
+
+// The kinds of correlation crystal field, in the order they are written.
+enum class CorrelationKind { Sccf, Lccf, OccfA, OccfB };
+
+struct CorrelationSection {
+    CorrelationKind kind = CorrelationKind::Sccf;
+    std::vector<CrystalFieldRow> rows;
+};
+
+// Switches of the option line (found by substring, order free).
+struct RunSwitches {
+    bool opimkpk = false;
+    bool noSpinSpin = false;         // "/noss"
+    bool wrongRankSpinSpin = false;  // "/wrongrankss"
+    bool t2Correction = false;       // "/t2correction"
+    bool useZic = false;             // "/usezic"
+    bool actualShell = false;        // "/actualshell"
+    int irNotation = 1;              // "/IRnotation= n", 1..4
+    EnergyUnit energyUnit = EnergyUnit::Wavenumber;  // "/Eunit=n"
+    bool cubicCF = false;            // "/cubiccf"
+    std::optional<int> pointGroup;   // "/ptgp= n"
+    std::optional<int> minSpinMultiplicity;  // "/spinmmin= n"
+    bool printHamiltonian = false;   // "/printhm"
+    bool correlationSections = false;  // "/ccf"
+};
+
+struct ParameterSet {
+    int version = 2;  // 1: no header line; 2: quoted header line
+    std::string title = "Tb3+";
+    std::string note;
+    std::string description;
+    SlaterType slaterType = SlaterType::SlaterFUpper;
+    // Average energy, three electrostatic parameters, zeta: read by position.
+    std::array<FreeIonRow, 5> mainFreeIon;
+    std::string electronCountLabel = "No. of electrons";
+    int electronCount = 0;
+    std::string foldLabel = "Fold of symmetry axis";
+    int fold = 1;
+    std::vector<FreeIonRow> otherFreeIon;
+    CfConvention cfConvention = CfConvention::Wybourne;
+    std::vector<CrystalFieldRow> crystalField;
+    std::vector<CorrelationSection> correlationCF;
+    bool hasOptionLine = false;
+    std::string optionLine;  // as read; the writer rebuilds it from `switches`
+    RunSwitches switches;
+};
+
+}  // namespace orvane
