@@ -10,6 +10,27 @@
 // picture; a value too wide for the picture is printed in full, never cut.
 //   formatNumber(3.14159, "######0.0000") == "      3.1416"
 //   formatNumber(-2, " #0;-#0") == "-2", formatNumber(2, " #0;-#0") == "  2"
+// Details of the rules:
+// - The value is first taken to 15 significant digits (as the runtime holds
+//   it), then rounded half away from zero: 2.675 with "###0.00" is "   2.68".
+// - An unused '#' before the point becomes a blank when only blanks stand
+//   before it in the picture (column padding) and vanishes after any other
+//   literal text, so "-#0" keeps its sign next to the digits. From the
+//   leftmost '0' rightwards every integer place is printed.
+// - Without a negative section a negative value gets a '-' directly before its
+//   first digit, in place of one padding blank when there is one:
+//   formatNumber(-3.14159, "######0.0000") == "     -3.1416" (same width).
+// - A value that rounds to zero is printed by the first section without sign
+//   (formatNumber(-0.2, " #0;-#0") == "  0", -1e-8 with "#0.000000" is " 0.000000").
+// - Optional fraction digits '#' that are trailing zeros vanish (they do not
+//   become blanks); when no fraction digit remains the point vanishes too:
+//   formatNumber(1.5, "###0.0#") == "   1.5", formatNumber(3, "#0.#") == " 3".
+// - Scientific pictures "0.0000e+##": the mantissa has as many integer digits
+//   as placeholders before its point; "e+" always prints the exponent's sign,
+//   "e-" only a minus; the exponent has at least as many digits as it has
+//   placeholders, padded with zeros: formatNumber(12345.678, "0.0000e+##") ==
+//   "1.2346e+04".
+// - NaN and infinities print as "NaN", "Inf", "-Inf".
 #include <ctime>
 #include <string>
 #include <string_view>

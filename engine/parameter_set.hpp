@@ -12,14 +12,19 @@ namespace orvane {
 // A value as written in the file or typed in the editor, with its number.
 // The text may carry more than the number: "123.4(5)" (value and uncertainty),
 // "0.56M0" (a multiple of M0). `value` is the number the engine uses.
+// A cell read from a file always has its text (trimmed; inner blanks of
+// crystal-field cells removed). A multiple such as "0.56M0" keeps here the
+// number before the letters (0.56); other_free_ion.hpp resolves it.
 struct ParameterCell {
     std::string text;
     double value = 0.0;
+    friend bool operator==(const ParameterCell&, const ParameterCell&) = default;
 };
 
 struct FreeIonRow {
-    std::string name;
+    std::string name;  // may be empty: a main row holding only its value
     ParameterCell cell;
+    friend bool operator==(const FreeIonRow&, const FreeIonRow&) = default;
 };
 
 struct CrystalFieldRow {
@@ -27,7 +32,11 @@ struct CrystalFieldRow {
     int q = 0;
     ParameterCell re;
     ParameterCell im;
+    friend bool operator==(const CrystalFieldRow&, const CrystalFieldRow&) = default;
 };
+
+// Largest rank a crystal-field (or correlation crystal-field) row may carry.
+inline constexpr int kMaxCrystalFieldRank = 12;
 
 enum class CfConvention { Wybourne, Stevens, UnitOperators };
 
@@ -42,6 +51,7 @@ enum class CorrelationKind { Sccf, Lccf, OccfA, OccfB };
 struct CorrelationSection {
     CorrelationKind kind = CorrelationKind::Sccf;
     std::vector<CrystalFieldRow> rows;
+    friend bool operator==(const CorrelationSection&, const CorrelationSection&) = default;
 };
 
 // Switches of the option line (found by substring, order free).
@@ -59,12 +69,13 @@ struct RunSwitches {
     std::optional<int> minSpinMultiplicity;  // "/spinmmin= n"
     bool printHamiltonian = false;   // "/printhm"
     bool correlationSections = false;  // "/ccf"
+    friend bool operator==(const RunSwitches&, const RunSwitches&) = default;
 };
 
 struct ParameterSet {
     int version = 2;  // 1: no header line; 2: quoted header line
-    std::string title = "Tb3+";
-    std::string note;
+    std::string title = "Tb3+";  // text left of the first "{" of the title line, trimmed
+    std::string note;            // text between "{" and the first "}" after it
     std::string description;
     SlaterType slaterType = SlaterType::SlaterFUpper;
     // Average energy, three electrostatic parameters, zeta: read by position.
@@ -80,6 +91,7 @@ struct ParameterSet {
     bool hasOptionLine = false;
     std::string optionLine;  // as read; the writer rebuilds it from `switches`
     RunSwitches switches;
+    friend bool operator==(const ParameterSet&, const ParameterSet&) = default;
 };
 
 }  // namespace orvane

@@ -1,0 +1,37 @@
+#pragma once
+// Estimation of the intrinsic parameters b_k from given B(k,q) (Wybourne) at fixed
+// exponents t_k: B(k,q) is linear in b_k, so the estimate is the linear
+// least-squares solution of  B_obs(k,q) = b_k G(k,q),  G = sum_L (R0/R_L)^t_k K_kq,
+// over the real and imaginary parts of every given row of rank 2, 4 and 6.
+#include <array>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/asker.hpp"
+#include "core/log_book.hpp"
+#include "params/cf_records.hpp"
+#include "params/superposition.hpp"
+
+namespace orvane::params {
+
+struct SmEstimate {
+    // std::nullopt: no parameter of that rank given, or the ligand geometry makes the
+    // rank's coordination sums vanish (e.g. rank 2 of a cube)
+    std::array<std::optional<double>, 3> bk;
+    double rmsDeviation = 0.0;                // of the fitted B(k,q) from the given ones
+    int observations = 0;
+};
+
+// Throws UserError titled "Error in SM estimation" for missing ligands, R0 or B(k,q).
+SmEstimate estimateIntrinsicParameters(const std::vector<Ligand>& ligands,
+                                       const SmParameters& fixedExponents, const CfTable& bkq);
+
+// Log lines of an estimate ("####0.000").
+std::vector<std::string> estimateLines(const SmEstimate& estimate);
+
+// The interactive coordination-factor calculator: asks "k q theta phi" until an
+// empty answer and logs each factor (Wybourne and Stevens type).
+void runCoordinationFactorCalculator(Asker& asker, LogBook& log);
+
+}  // namespace orvane::params

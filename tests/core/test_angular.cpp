@@ -1,0 +1,303 @@
+// Angular-momentum coefficients: published and computed check values, the
+// tolerances of the real-valued boundary functions, symmetries, the factorial
+// table's limit, reduced matrix elements of C(k) and the rotation matrices.
+#include <cmath>
+#include <numbers>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "core/angular.hpp"
+
+namespace {
+
+using namespace orvane;
+
+const double kRoot3 = std::sqrt(3.0);
+
+TEST(FactorialTable, HoldsZeroToSeventyNineFactorial) {
+    const auto& table = FactorialTable();
+    ASSERT_EQ(table.size(), 80u);
+    EXPECT_EQ(table[0], 1.0);
+    EXPECT_EQ(table[1], 1.0);
+    EXPECT_EQ(table[10], 3628800.0);
+    EXPECT_EQ(table[20], 2432902008176640000.0);        // 20! is exact in double
+    EXPECT_NEAR(table[79] / 8.946182130782976e116, 1.0, 1e-14);  // 79! = 8.9461821307829757e116
+    EXPECT_EQ(Factorial(79), table[79]);
+}
+
+TEST(FactorialTable, ArgumentsOutsideTheTableThrowNamingThem) {
+    for (const int argument : {-1, 80, 200}) {
+        try {
+            Factorial(argument, "test symbol");
+            FAIL() << "Factorial(" << argument << ") returned";
+        } catch (const FactorialRangeError& error) {
+            EXPECT_EQ(error.argument(), argument);
+            const std::string message = error.what();
+            EXPECT_NE(message.find(std::to_string(argument)), std::string::npos) << message;
+            EXPECT_NE(message.find("test symbol"), std::string::npos) << message;
+        }
+    }
+}
+
+TEST(PhaseSign, IsMinusOneToTheAbsoluteRoundedValue) {
+    struct Case {
+        double x;
+        double sign;
+        const char* why;
+    };
+    const Case cases[] = {
+        {0.0, 1.0, "even"},           {1.0, -1.0, "odd"},
+        {2.0, 1.0, "even"},           {-3.0, -1.0, "absolute value taken: |-3| odd"},
+        {-2.0, 1.0, "absolute value"}, {2.95, -1.0, "2.95 + 0.1 rounds to 3"},
+        {3.999, 1.0, "noise below an integer"}, {4.0001, 1.0, "noise above an integer"},
+        {41.0, -1.0, "large odd"},
+    };
+    for (const auto& c : cases) EXPECT_EQ(PhaseSign(c.x), c.sign) << c.x << ": " << c.why;
+}
+
+TEST(TriangleCoefficient, MatchesTheFactorialRatio) {
+    // Delta(1 1 0) = sqrt(2! 0! 0! / 3!) = 1/sqrt(3); Delta(3 3 2) = sqrt(4! 2! 2! / 9!)
+    EXPECT_NEAR(TriangleCoefficient(1, 1, 0), 1.0 / kRoot3, 1e-15);
+    EXPECT_NEAR(TriangleCoefficient(3, 3, 2), std::sqrt(24.0 * 2 * 2 / 362880.0), 1e-15);
+    EXPECT_NEAR(TriangleCoefficient(0.5, 0.5, 1), std::sqrt(1.0 / 6.0), 1e-15);
+    EXPECT_EQ(TriangleCoefficient(1, 1, 3), 0.0);  // broken triangle
+    EXPECT_EQ(TriangleCoefficient2(1, 1, 1), 0.0);  // half-integral sum
+}
+
+// Physics reference 1.2, "Check values [computed, exact]".
+TEST(WignerSymbols, ReproduceTheExactCheckValues) {
+    struct ThreeJCase {
+        double j1, j2, j3, m1, m2, m3, value;
+        const char* exact;
+    };
+    const ThreeJCase threeJs[] = {
+        {1, 1, 0, 1, -1, 0, 1.0 / kRoot3, "1/sqrt(3)"},
+        {3, 2, 3, 0, 0, 0, 2.0 * std::sqrt(105.0) / 105.0, "2 sqrt(105)/105"},
+        {3, 4, 3, 0, 0, 0, -std::sqrt(154.0) / 77.0, "-sqrt(154)/77"},
+        {3, 6, 3, 0, 0, 0, 10.0 * std::sqrt(3003.0) / 3003.0, "10 sqrt(3003)/3003"},
+        {3.5, 2, 3.5, -2.5, 0, 2.5, -std::sqrt(210.0) / 420.0, "-sqrt(210)/420"},
+        {3, 3, 2, 1, -3, 2, std::sqrt(42.0) / 42.0, "sqrt(42)/42"},
+    };
+    for (const auto& c : threeJs) {
+        EXPECT_NEAR(ThreeJ(c.j1, c.j2, c.j3, c.m1, c.m2, c.m3), c.value, 1e-14) << c.exact;
+        const auto twice = [](double x) { return static_cast<int>(std::lround(2 * x)); };
+        EXPECT_NEAR(ThreeJ2(twice(c.j1), twice(c.j2), twice(c.j3), twice(c.m1), twice(c.m2), twice(c.m3)),
+                    c.value, 1e-14)
+            << c.exact;
+    }
+    struct SixJCase {
+        double j[6];
+        double value;
+        const char* exact;
+    };
+    const SixJCase sixJs[] = {
+        {{3, 3, 2, 3, 3, 2}, 19.0 / 420.0, "19/420"},
+        {{5, 5, 1, 1, 1, 4}, -1.0 / std::sqrt(55.0), "-1/sqrt(55)"},
+        {{0.5, 0.5, 1, 1.5, 1.5, 1}, std::sqrt(10.0) / 12.0, "sqrt(10)/12"},
+        {{3, 6, 3, 3, 3, 3}, 1.0 / 42.0, "1/42"},
+    };
+    for (const auto& c : sixJs)
+        EXPECT_NEAR(SixJ(c.j[0], c.j[1], c.j[2], c.j[3], c.j[4], c.j[5]), c.value, 1e-14) << c.exact;
+    struct NineJCase {
+        double j[9];
+        double value;
+        const char* exact;
+    };
+    const NineJCase nineJs[] = {
+        {{0.5, 0.5, 1, 3, 3, 2, 3.5, 2.5, 2}, std::sqrt(10.0) / 120.0, "sqrt(10)/120"},
+        {{2, 2, 2, 2, 2, 2, 2, 2, 2}, 41.0 / 2450.0, "41/2450"},
+        {{1, 1, 1, 1, 1, 1, 1, 1, 1}, 0.0, "0"},
+    };
+    for (const auto& c : nineJs)
+        EXPECT_NEAR(NineJ(c.j[0], c.j[1], c.j[2], c.j[3], c.j[4], c.j[5], c.j[6], c.j[7], c.j[8]), c.value, 1e-14)
+            << c.exact;
+}
+
+TEST(WignerSymbols, ProjectionSumToleranceIsOneHundredth) {
+    // (1 1 0; 1 -1 0) = 1/sqrt(3); m3 = 0.005 is read as 0, m3 = 0.011 breaks the rule.
+    EXPECT_NEAR(ThreeJ(1, 1, 0, 1, -1, 0.005), 1.0 / kRoot3, 1e-14);
+    EXPECT_NEAR(ThreeJ(1, 1, 0, 1, -1, -0.009), 1.0 / kRoot3, 1e-14);
+    EXPECT_EQ(ThreeJ(1, 1, 0, 1, -1, 0.011), 0.0);
+    // Angular momenta within 0.001 of their value are accepted.
+    EXPECT_NEAR(ThreeJ(1.0004, 0.9996, 0, 1, -1, 0), 1.0 / kRoot3, 1e-14);
+}
+
+TEST(WignerSymbols, InvalidSymbolsAreZero) {
+    struct Case {
+        double j1, j2, j3, m1, m2, m3;
+        const char* rule;
+    };
+    const Case cases[] = {
+        {1, 1, 3, 0, 0, 0, "triangle j3 > j1 + j2"},
+        {3, 1, 1, 0, 0, 0, "triangle j3 < |j1 - j2|"},
+        {1, 1, 1, 2, -2, 0, "|m1| > j1"},
+        {1, 1, 2, 1, 1, -1, "projection sum 1"},
+        {1, 1, 1, 0.5, -0.5, 0, "j + m not integral"},
+        {1, 0.5, 1, 0, 0.5, -0.5, "j1 + j2 + j3 not integral"},
+        {1.3, 1, 1, 0, 0, 0, "1.3 is not a half-integer"},
+        {-1, 1, 0, 0, 0, 0, "negative j"},
+        {1, 1, 1, 0, 0, 0, "(1 1 1; 0 0 0) vanishes by parity"},
+    };
+    for (const auto& c : cases) EXPECT_EQ(ThreeJ(c.j1, c.j2, c.j3, c.m1, c.m2, c.m3), 0.0) << c.rule;
+    EXPECT_EQ(SixJ(1, 1, 3, 1, 1, 1), 0.0) << "triad (1 1 3)";
+    EXPECT_EQ(SixJ(1, 1, 1, 1, 1, 0.5), 0.0) << "triad (1 1 1/2)";
+    EXPECT_EQ(NineJ(1, 1, 3, 1, 1, 1, 1, 1, 1), 0.0) << "row (1 1 3)";
+    EXPECT_EQ(NineJ(1, 1, 1, 1, 1, 1, 3, 1, 1), 0.0) << "column (1 1 3)";
+}
+
+TEST(WignerSymbols, NineJKeepsTheZeroUpperLimitRule) {
+    // {1 1 0; 0 1 1; 1 0 1} = 1/9 [physics reference 1.1, computed]; with j4 = j8 = 0
+    // the only admissible x is 0 and the historical 9j returns 0.
+    EXPECT_EQ(NineJ(1, 1, 0, 0, 1, 1, 1, 0, 1), 0.0);
+    EXPECT_EQ(NineJ2(2, 2, 0, 0, 2, 2, 2, 0, 2), 0.0);
+    EXPECT_NEAR(NineJ2Exact(2, 2, 0, 0, 2, 2, 2, 0, 2), 1.0 / 9.0, 1e-15);
+    // A 9j whose x range is 0..2 is summed in full by both: {1 1 0; 1 1 0; 0 0 0} = 1/3.
+    EXPECT_NEAR(NineJ(1, 1, 0, 1, 1, 0, 0, 0, 0), 1.0 / 3.0, 1e-15);
+}
+
+TEST(WignerSymbols, ThreeJSymmetries) {
+    // Odd column permutations and m -> -m multiply by (-1)^(j1+j2+j3); even
+    // permutations leave the symbol unchanged (Edmonds 1957, section 3.7).
+    int checked = 0;
+    for (int j1 = 0; j1 <= 8; ++j1)
+        for (int j2 = 0; j2 <= 8; ++j2)
+            for (int j3 = std::abs(j1 - j2); j3 <= j1 + j2; j3 += 2)
+                for (int m1 = -j1; m1 <= j1; m1 += 2)
+                    for (int m2 = -j2; m2 <= j2; m2 += 2) {
+                        const int m3 = -m1 - m2;
+                        if (std::abs(m3) > j3) continue;
+                        const double value = ThreeJ2(j1, j2, j3, m1, m2, m3);
+                        const double sign = ((j1 + j2 + j3) / 2) % 2 == 0 ? 1.0 : -1.0;
+                        EXPECT_NEAR(ThreeJ2(j2, j3, j1, m2, m3, m1), value, 1e-15);
+                        EXPECT_NEAR(ThreeJ2(j3, j1, j2, m3, m1, m2), value, 1e-15);
+                        EXPECT_NEAR(ThreeJ2(j2, j1, j3, m2, m1, m3), sign * value, 1e-15);
+                        EXPECT_NEAR(ThreeJ2(j1, j3, j2, m1, m3, m2), sign * value, 1e-15);
+                        EXPECT_NEAR(ThreeJ2(j1, j2, j3, -m1, -m2, -m3), sign * value, 1e-15);
+                        ++checked;
+                    }
+    EXPECT_GT(checked, 1000);
+}
+
+TEST(WignerSymbols, ClebschGordanCoefficientsAreOrthonormal) {
+    // Condon-Shortley values: <1/2 1/2, 1/2 -1/2 | 0 0> = 1/sqrt(2), <1/2 -1/2, 1/2 1/2 | 0 0> = -1/sqrt(2),
+    // <1 1, 1 -1 | 2 0> = 1/sqrt(6), <1 0, 1 0 | 1 0> = 0.
+    EXPECT_NEAR(ClebschGordan2(1, 1, 1, -1, 0, 0), 1.0 / std::sqrt(2.0), 1e-15);
+    EXPECT_NEAR(ClebschGordan2(1, -1, 1, 1, 0, 0), -1.0 / std::sqrt(2.0), 1e-15);
+    EXPECT_NEAR(ClebschGordan2(2, 2, 2, -2, 4, 0), 1.0 / std::sqrt(6.0), 1e-15);
+    EXPECT_EQ(ClebschGordan2(2, 0, 2, 0, 2, 0), 0.0);
+    // sum_{m1 m2} <j1 m1 j2 m2|J M><j1 m1 j2 m2|J' M> = delta(J, J') (Edmonds 1957, section 3.5).
+    for (int tj1 = 0; tj1 <= 7; ++tj1)
+        for (int tj2 = 0; tj2 <= 7; ++tj2)
+            for (int tJ = std::abs(tj1 - tj2); tJ <= tj1 + tj2; tJ += 2)
+                for (int tJp = std::abs(tj1 - tj2); tJp <= tj1 + tj2; tJp += 2)
+                    for (int tM = -std::min(tJ, tJp); tM <= std::min(tJ, tJp); tM += 2) {
+                        double overlap = 0.0;
+                        for (int tm1 = -tj1; tm1 <= tj1; tm1 += 2)
+                            overlap += ClebschGordan2(tj1, tm1, tj2, tM - tm1, tJ, tM) *
+                                       ClebschGordan2(tj1, tm1, tj2, tM - tm1, tJp, tM);
+                        EXPECT_NEAR(overlap, tJ == tJp ? 1.0 : 0.0, 1e-13)
+                            << tj1 << " " << tj2 << " " << tJ << " " << tJp << " " << tM;
+                    }
+}
+
+TEST(WignerSymbols, FactorialsBeyondTheTableThrow) {
+    // {20 20 20; 20 20 20}: the t-sum runs from 60 to 80 and reaches (t+1)! = 80!.
+    try {
+        SixJ(20, 20, 20, 20, 20, 20);
+        FAIL() << "the 6j returned a value";
+    } catch (const FactorialRangeError& error) {
+        EXPECT_EQ(error.argument(), 80);
+        EXPECT_NE(std::string(error.what()).find("6j symbol {20 20 20; 20 20 20}"), std::string::npos)
+            << error.what();
+    }
+    // Largest triad sum whose Delta needs 79!: (26 26 26) sums to 78.
+    EXPECT_NO_THROW(ThreeJ(26, 26, 26, 0, 0, 0));
+    EXPECT_THROW(ThreeJ(26, 26, 27, 0, 0, 0), FactorialRangeError);  // needs 80!
+    EXPECT_THROW(SixJ2(40, 40, 40, 40, 40, 40), FactorialRangeError);
+    EXPECT_THROW(NineJ(20, 20, 20, 20, 20, 20, 20, 20, 20), FactorialRangeError);
+}
+
+// Physics reference 1.3 [computed, exact]; the c_6 value is -1.2773807700532 (not -1.2872).
+TEST(ReducedCk, MatchesTheExactOneElectronValues) {
+    struct Case {
+        double l, k, lp, value;
+        const char* exact;
+    };
+    const Case cases[] = {
+        {3, 0, 3, std::sqrt(7.0), "<f||C(0)||f> = sqrt(7)"},
+        {3, 2, 3, -1.3662601021279, "<f||C(2)||f> = -2 sqrt(105)/15"},
+        {3, 4, 3, 1.1281521496356, "<f||C(4)||f> = sqrt(154)/11"},
+        {3, 6, 3, -1.2773807700532, "<f||C(6)||f> = -10 sqrt(3003)/429"},
+        {3, 1, 3, 0.0, "odd k"},
+        {3, 3, 3, 0.0, "odd k"},
+        {3, 5, 3, 0.0, "odd k"},
+        {2, 2, 2, -std::sqrt(70.0) / 7.0, "<d||C(2)||d> = -sqrt(70)/7"},
+        {1, 1, 2, -std::sqrt(2.0), "<p||C(1)||d> = -sqrt(2)"},
+        {3, 8, 3, 0.0, "triangle broken"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_NEAR(ReducedCk(c.l, c.k, c.lp), c.value, 1e-12) << c.exact;
+        EXPECT_NEAR(ReducedCk2(static_cast<int>(2 * c.l), static_cast<int>(2 * c.k), static_cast<int>(2 * c.lp)),
+                    c.value, 1e-12)
+            << c.exact;
+    }
+    EXPECT_EQ(ReducedCk(std::nan(""), 2, 3), 0.0);
+}
+
+// Maximum |a - b| over all elements.
+double largestDifference(const Eigen::MatrixXd& a, const Eigen::MatrixXd& b) {
+    return (a - b).cwiseAbs().maxCoeff();
+}
+
+TEST(RotationMatrixD, KnownElements) {
+    for (const double beta : {0.3, 1.2, 2.5, -0.7, 4.0}) {
+        const Eigen::MatrixXd d1 = RotationMatrixD(1, beta);
+        ASSERT_EQ(d1.rows(), 3);
+        // d^1_{1,0}(beta) = -sin(beta)/sqrt(2) (physics reference 1.4); row 2 is m = +1, column 1 is m' = 0.
+        EXPECT_NEAR(d1(2, 1), -std::sin(beta) / std::sqrt(2.0), 1e-15);
+        EXPECT_NEAR(d1(0, 1), std::sin(beta) / std::sqrt(2.0), 1e-15);    // d^1_{-1,0}
+        EXPECT_NEAR(d1(2, 2), (1 + std::cos(beta)) / 2, 1e-15);            // d^1_{1,1}
+        const Eigen::MatrixXd half = RotationMatrixD(0.5, beta);
+        EXPECT_NEAR(half(1, 0), -std::sin(beta / 2), 1e-15);  // d^{1/2}_{1/2,-1/2}
+        EXPECT_NEAR(half(0, 0), std::cos(beta / 2), 1e-15);
+        // d^l_{00}(beta) = P_l(cos beta) for l = 2, 3.
+        const double x = std::cos(beta);
+        EXPECT_NEAR(RotationMatrixD(2, beta)(2, 2), (3 * x * x - 1) / 2, 1e-14);
+        EXPECT_NEAR(RotationMatrixD(3, beta)(3, 3), (5 * x * x * x - 3 * x) / 2, 1e-14);
+    }
+    EXPECT_NEAR(largestDifference(RotationMatrixD(3.5, 0.0), Eigen::MatrixXd::Identity(8, 8)), 0.0, 1e-15);
+}
+
+TEST(RotationMatrixD, IsOrthogonalAndComposes) {
+    // d(beta) is a real rotation: d d^T = 1, and rotations about y add: d(b1) d(b2) = d(b1 + b2).
+    for (int twiceJ = 0; twiceJ <= 12; ++twiceJ) {
+        const double J = twiceJ / 2.0;
+        const int n = twiceJ + 1;
+        for (const double beta1 : {0.4, 2.2, 5.9}) {
+            const Eigen::MatrixXd d = RotationMatrixD(J, beta1);
+            ASSERT_EQ(d.rows(), n);
+            EXPECT_LT(largestDifference(d * d.transpose(), Eigen::MatrixXd::Identity(n, n)), 1e-13) << "J=" << J;
+            const double beta2 = 1.3;
+            EXPECT_LT(largestDifference(d * RotationMatrixD(J, beta2), RotationMatrixD(J, beta1 + beta2)), 1e-13)
+                << "J=" << J;
+            // d^J_{m m'}(-beta) = d^J_{m' m}(beta).
+            EXPECT_LT(largestDifference(RotationMatrixD(J, -beta1), d.transpose()), 1e-13);
+        }
+        EXPECT_LT(largestDifference(RotationMatrixD2(twiceJ, 0.8), RotationMatrixD(J, 0.8)), 1e-15);
+    }
+    // A full turn is (-1)^(2J): half-integral J changes sign.
+    EXPECT_LT(largestDifference(RotationMatrixD(1.5, 2 * std::numbers::pi), -Eigen::MatrixXd::Identity(4, 4)), 1e-13);
+}
+
+TEST(RotationMatrixD, DimensionIsRoundedAndBoundsAreChecked) {
+    EXPECT_EQ(RotationMatrixD(2.3, 1.0).rows(), 6);  // 2J+1 = 5.6 rounds to 6
+    EXPECT_EQ(RotationMatrixD(-1, 1.0).rows(), 0);
+    EXPECT_EQ(RotationMatrixD(std::nan(""), 1.0).rows(), 0);
+    EXPECT_NO_THROW(RotationMatrixD(39.5, 1.0));  // (2J)! = 79!
+    EXPECT_THROW(RotationMatrixD(40, 1.0), FactorialRangeError);
+    EXPECT_THROW(RotationMatrixD(1e30, 1.0), FactorialRangeError);
+}
+
+}  // namespace

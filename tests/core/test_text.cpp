@@ -1,0 +1,69 @@
+// Reading of user answers and of values in text files.
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "core/text.hpp"
+
+namespace orvane {
+namespace {
+
+TEST(AnswerFields, CommasAndSemicolonsCountAsBlanks) {
+    const std::vector<std::string> expected{"1", "2.5", "-3", "4"};
+    EXPECT_EQ(splitAnswerFields("1,2.5;-3 4"), expected);
+    EXPECT_EQ(splitAnswerFields("  1 ,, 2.5 ;; -3\t4  "), expected);
+    EXPECT_TRUE(splitAnswerFields("").empty());
+    EXPECT_TRUE(splitAnswerFields(" , ; ").empty());
+}
+
+TEST(ParseNumber, AcceptsDecimalNotationOnly) {
+    struct Case { const char* text; std::optional<double> value; };
+    const Case cases[] = {
+        {"1.5", 1.5}, {"-2", -2.0}, {"+3e2", 300.0}, {".5", 0.5}, {"-.25", -0.25},
+        {" 7 ", 7.0}, {"1E-3", 1e-3},
+        {"", std::nullopt}, {"-", std::nullopt}, {"+", std::nullopt}, {"1.5x", std::nullopt},
+        {"nan", std::nullopt}, {"inf", std::nullopt}, {"-inf", std::nullopt},
+        {"0x10", std::nullopt}, {"1e400", std::nullopt}, {"1,5", std::nullopt},
+        {"++1", std::nullopt}, {"7/2", std::nullopt},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.text);
+        EXPECT_EQ(parseNumber(c.text), c.value);
+    }
+}
+
+TEST(ParseInteger, RefusesFractionsAndOverflow) {
+    EXPECT_EQ(parseInteger("12"), 12);
+    EXPECT_EQ(parseInteger(" -3 "), -3);
+    EXPECT_EQ(parseInteger("+4"), 4);
+    EXPECT_EQ(parseInteger("1.0"), std::nullopt);
+    EXPECT_EQ(parseInteger("99999999999"), std::nullopt);
+    EXPECT_EQ(parseInteger(""), std::nullopt);
+}
+
+TEST(LeadingNumber, ReadsThePrefixLikeVal) {
+    std::size_t used = 0;
+    EXPECT_DOUBLE_EQ(*leadingNumber("123.4(5)", &used), 123.4);
+    EXPECT_EQ(used, 5u);
+    EXPECT_DOUBLE_EQ(*leadingNumber("0.56M0", &used), 0.56);
+    EXPECT_EQ(used, 4u);
+    EXPECT_DOUBLE_EQ(*leadingNumber("  -2.5e3 cm"), -2500.0);
+    EXPECT_DOUBLE_EQ(*leadingNumber("2e"), 2.0);  // an exponent without digits is not part of it
+    EXPECT_DOUBLE_EQ(*leadingNumber("abc", &used), 0.0);
+    EXPECT_EQ(used, 0u);
+    EXPECT_DOUBLE_EQ(*leadingNumber("1e-999"), 0.0);  // underflow reads as zero
+    EXPECT_EQ(leadingNumber("1e999"), std::nullopt);  // overflow is refused
+}
+
+TEST(TextHelpers, EqualsAndCaseBlindSearch) {
+    EXPECT_EQ(rightOfFirstEquals("No. of electrons = 11"), " 11");
+    EXPECT_EQ(rightOfFirstEquals("a=b=c"), "b=c");
+    EXPECT_EQ(rightOfFirstEquals("11"), "11");
+    EXPECT_TRUE(iequals("rmu2.val", "RMU2.VAL"));
+    EXPECT_FALSE(iequals("rmu2.val", "rmu4.val"));
+    EXPECT_TRUE(icontains("Wybourne's UNIT Operators", "unit operator"));
+    EXPECT_EQ(trim("\t x y \r\n"), "x y");
+}
+
+}  // namespace
+}  // namespace orvane

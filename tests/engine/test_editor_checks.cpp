@@ -1,0 +1,121 @@
+// The editor's checks before saving: the crystal-field grid, the ion of the
+// title, the fold of the point group and the correlation sections.
+#include "engine/editor_checks.hpp"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+namespace orvane {
+namespace {
+
+using Messages = std::vector<std::string>;
+
+TEST(CrystalFieldTable, MessagesPerBadCell) {
+    struct Case {
+        const char* what;
+        std::vector<CrystalFieldEntry> rows;
+        Messages expected;
+    } cases[] = {
+        {"empty table", {}, {"No Crystal Field Parameters entered!"}},
+        {"only blank rows", {{"", " ", "", ""}}, {"No Crystal Field Parameters entered!"}},
+        {"good rows", {{"2", "0", "-218", ""}, {"4", "4", "616(27)", "0"}, {"6", "-6", "1 234.5", "3"}}, {}},
+        {"k not a number", {{"x", "0", "1", "0"}}, {"Invalid k in entry #1"}},
+        {"k too large", {{"2", "0", "1", ""}, {"13", "0", "1", ""}}, {"Invalid k in entry #2"}},
+        {"q beyond k", {{"2", "3", "1", ""}}, {"Invalid q in entry #1"}},
+        {"q not integer", {{"4", "2.5", "1", ""}}, {"Invalid q in entry #1"}},
+        {"value missing", {{"2", "0", "", ""}}, {"Invalid crystal field value in entry #1"}},
+        {"im junk", {{"2", "0", "1", "i"}}, {"Invalid crystal field value in entry #1"}},
+        {"blank row keeps numbering", {{"", "", "", ""}, {"2", "0", "abc", ""}},
+         {"Invalid crystal field value in entry #2"}},
+    };
+    for (const Case& c : cases) EXPECT_EQ(checkCrystalFieldTable(c.rows), c.expected) << c.what;
+}
+
+TEST(IonOfTitle, ElectronsFromSymbolAndCharge) {
+    struct Case {
+        const char* title;
+        int electrons;  // -1: refused
+        const char* message;
+    } cases[] = {
+        {"Er3+", 11, ""},            // 4f11
+        {"Pr3+:LaF3", 2, ""},        // 4f2
+        {"Nd3+ in LaF3", 3, ""},
+        {"U4+", 2, ""},              // 5f2
+        {"Eu2+", 7, ""},             // 4f7
+        {"Ce4+", 0, ""},             // 4f0
+        {"Yb+3", 13, ""},
+        {"Tm+++", 12, ""},
+        {"TB3+", 8, ""},             // upper case symbol
+        {"Lu3+", 14, ""},
+        {"Lr3+", 14, ""},
+        {"Ac3+", 0, ""},
+        {"Er:YAG", 11, ""},          // no charge: trivalent
+        {"Fe3+", -1, "Not a f-shell ion: Fe3+"},
+        {"Cer3+", -1, "Not a f-shell ion: Cer3+"},
+        {"", -1, "Not a f-shell ion: "},
+        {"La4+", -1, "Invalid no. of electron from ion charge = -1"},
+        {"Ce5+", -1, "Invalid no. of electron from ion charge = -1"},
+        {"Lu2+", -1, "Invalid no. of electron from ion charge = 15"},
+    };
+    for (const Case& c : cases) {
+        const IonElectrons ion = electronsFromTitle(c.title);
+        if (c.electrons >= 0) {
+            EXPECT_EQ(ion.electrons, c.electrons) << c.title;
+        } else {
+            EXPECT_FALSE(ion.electrons.has_value()) << c.title;
+            EXPECT_EQ(ion.message, c.message) << c.title;
+        }
+    }
+}
+
+TEST(PointGroups, ThirtyTwoDistinctGroupsWithTheirMainFold) {
+    const auto& groups = crystallographicPointGroups();
+    ASSERT_EQ(groups.size(), 32u);
+    std::set<std::string_view> names;
+    for (const PointGroup& g : groups) names.insert(g.name);
+    EXPECT_EQ(names.size(), 32u);
+    struct Case {
+        const char* name;
+        int fold;
+    } cases[] = {{"C1", 1}, {"C2v", 2}, {"S4", 4}, {"D2d", 4}, {"D3", 3}, {"S6", 3},
+                 {"C3h", 6}, {"D3h", 6}, {"D6h", 6}, {"Td", 4}, {"Oh", 4}, {"Th", 2}};
+    for (const Case& c : cases) {
+        bool found = false;
+        for (const PointGroup& g : groups)
+            if (g.name == c.name) {
+                found = true;
+                EXPECT_EQ(g.fold, c.fold) << c.name;
+            }
+        EXPECT_TRUE(found) << c.name;
+    }
+    EXPECT_EQ(pointGroupByIndex(7)->name, "C2v");
+    EXPECT_EQ(pointGroupByIndex(0), nullptr);
+    EXPECT_EQ(pointGroupByIndex(33), nullptr);
+}
+
+TEST(FoldCheck, AgreesAsksOrRefuses) {
+    EXPECT_EQ(checkFold(2, 7).message, "");  // C2v: 2
+    const FoldCheck update = checkFold(1, 26);  // D3h: 6
+    EXPECT_TRUE(update.valid);
+    EXPECT_EQ(update.suggestedFold, 6);
+    EXPECT_EQ(update.message, "Fold of symmetry axis n should be updated from 1 to 6");
+    EXPECT_FALSE(checkFold(0, 7).valid);
+    EXPECT_EQ(checkFold(0, 7).message, "Invalid Symmetry Fold");
+    EXPECT_EQ(checkFold(2, 99).message, "Invalid Symmetry Fold");
+}
+
+TEST(CorrelationQuestions, CountAndUnmatchedRows) {
+    ParameterSet set;
+    set.crystalField = {CrystalFieldRow{2, 0, {}, {}}, CrystalFieldRow{4, 0, {}, {}}};
+    set.correlationCF = {
+        CorrelationSection{CorrelationKind::Sccf, {CrystalFieldRow{2, 0, {}, {}}, CrystalFieldRow{4, 0, {}, {}}}},
+        CorrelationSection{CorrelationKind::Lccf, {CrystalFieldRow{6, 3, {}, {}}}},
+    };
+    EXPECT_EQ(correlationSectionQuestions(set),
+              (Messages{"No. of CCF parameters = 1 and not equal to the no. of CF parameters. Continue?",
+                        "Incompatible k q = 6 3 for  the row 1. Continue?"}));
+}
+
+}  // namespace
+}  // namespace orvane

@@ -1,0 +1,170 @@
+// Rotational invariants, crystal-field strength and the cubic approximations.
+#include <cmath>
+#include <random>
+
+#include <gtest/gtest.h>
+
+#include "core/asker.hpp"
+#include "core/log_book.hpp"
+#include "params/cf_conventions.hpp"
+#include "params/cf_invariants.hpp"
+#include "params/cf_rotation.hpp"
+#include "params/cubic_approximation.hpp"
+#include "params/value_cell.hpp"
+
+namespace orvane::params {
+namespace {
+
+CfRow row(int k, int q, const std::string& re, const std::string& im = "0.0") {
+    CfRow r;
+    r.k = k;
+    r.q = q;
+    r.re = ValueCell{re, parseValueCell(re).value};
+    r.im = ValueCell{im, parseValueCell(im).value};
+    return r;
+}
+
+// Pr3+:LaF3 crystal-field parameters, Carnall et al., J. Chem. Phys. 90, 3443 (1989), Table I.
+CfTable prLaF3() {
+    CfTable t;
+    t.rows = {row(2, 0, "-218"), row(2, 2, "-120"), row(4, 0, "738"), row(4, 2, "431"),
+              row(4, 4, "616"),  row(6, 0, "679"), row(6, 2, "-921"), row(6, 4, "-348"),
+              row(6, 6, "-788")};
+    return t;
+}
+
+TEST(Invariants, PublishedParameterSetInEveryNormalisation) {
+    // s_k of Pr3+:LaF3: 123.551, 431.416, 529.268 (physics reference 9.5, computed).
+    const CfTable wybourne = prLaF3();
+    const double expected[3] = {123.551, 431.416, 529.268};
+    for (CfConversion c : {CfConversion::WybourneToStevens, CfConversion::WybourneToUnit}) {
+        CfTable table = wybourne;
+        convertTable(table, c);
+        const CfNormalisation form = c == CfConversion::WybourneToStevens
+                                         ? CfNormalisation::Stevens
+                                         : CfNormalisation::UnitTensor;
+        const Invariants inv = computeInvariants(table, form);
+        for (int i = 0; i < 3; ++i) EXPECT_NEAR(inv.s[i], expected[i], 1e-3) << i;
+    }
+    const Invariants inv = computeInvariants(wybourne, CfNormalisation::Wybourne);
+    EXPECT_NEAR(inv.strength,
+                std::sqrt((expected[0] * expected[0] + expected[1] * expected[1] +
+                           expected[2] * expected[2]) / 3.0), 1e-2);
+    EXPECT_EQ(inv.sigmaS[0], 0.0);  // no uncertainties given
+}
+
+TEST(Invariants, UncertaintiesPropagateToFirstOrder) {
+    // One rank-2 parameter: s_2 = sqrt(2/5) |B22| exactly, so sigma(s_2) = sqrt(2/5) sigma(B22).
+    CfTable table;
+    table.rows = {row(2, 2, "30(2)", "40(1)")};
+    const Invariants inv = computeInvariants(table, CfNormalisation::Wybourne);
+    EXPECT_NEAR(inv.s[0], std::sqrt(2.0 / 5.0) * 50.0, 1e-12);
+    // d|B|/dRe = 0.6, d|B|/dIm = 0.8 -> sigma|B| = sqrt(0.36*4 + 0.64*1) = sqrt(2.08).
+    EXPECT_NEAR(inv.sigmaS[0], std::sqrt(2.0 / 5.0) * std::sqrt(2.08), 1e-12);
+    EXPECT_NEAR(inv.strength, inv.s[0] / std::sqrt(3.0), 1e-12);
+    EXPECT_NEAR(inv.sigmaStrength, inv.sigmaS[0] / std::sqrt(3.0), 1e-12);
+    const auto lines = invariantLines(inv);
+    ASSERT_EQ(lines.size(), 5u);
+    EXPECT_EQ(lines[1].rfind("CF Rotational invariants s2 = ", 0), 0u) << lines[1];
+    EXPECT_EQ(lines[4].rfind("Crystal field strength = ", 0), 0u);
+}
+
+TEST(Invariants, UnchangedByRotation) {
+    std::mt19937 rng(11);
+    std::uniform_real_distribution<double> u(-300, 300);
+    CfTable table;
+    for (int k = 2; k <= 6; k += 2)
+        for (int q = 0; q <= k; ++q) table.rows.push_back(row(k, q, "0", "0"));
+    for (CfRow& r : table.rows) {
+        r.re = makeCell(u(rng), kRotatedPicture);
+        r.im = makeCell(r.q ? u(rng) : 0.0, kRotatedPicture);
+    }
+    const Invariants before = computeInvariants(table, CfNormalisation::Wybourne);
+    const Invariants after = computeInvariants(rotateTable(table, {17, 63, -121}), CfNormalisation::Wybourne);
+    for (int i = 0; i < 3; ++i) EXPECT_NEAR(before.s[i], after.s[i], 1e-9);
+}
+
+BkqArray arrayOf(const std::vector<CubicParameter>& set) {
+    BkqArray b{};
+    for (const CubicParameter& p : set) b[p.k][p.q] = p.value;
+    return b;
+}
+
+TEST(CubicApproximation, SetsKeepTheirInvariantsAndRotateIntoEachOther) {
+    Invariants inv;
+    inv.s = {0.0, 300.0, 200.0};
+    inv.sigmaS = {0.0, 3.0, 2.0};
+    const auto c4 = cubicSet(inv, 1.0, 1.0, CubicAxis::Fourfold001);
+    for (CubicAxis axis : {CubicAxis::Fourfold001, CubicAxis::Threefold111}) {
+        const auto set = cubicSet(inv, 1.0, -1.0, axis);
+        CfTable table;
+        for (const CubicParameter& p : set) {
+            CfRow r;
+            r.k = p.k;
+            r.q = p.q;
+            r.re = makeCell(p.value, kRotatedPicture);
+            table.rows.push_back(r);
+        }
+        const Invariants back = computeInvariants(table, CfNormalisation::Wybourne);
+        EXPECT_NEAR(back.s[1], 300.0, 1e-6);
+        EXPECT_NEAR(back.s[2], 200.0, 1e-6);
+    }
+    // [001] rotated by C4toC3 is the [111] set; B40 changes sign (physics reference 9.7:
+    // B40 = 1 gives B40' = -2/3), B60 keeps it.
+    const BkqArray rotated = rotateBkq(arrayOf(c4), c4ToC3Angles());
+    const BkqArray c3 = arrayOf(cubicSet(inv, -1.0, 1.0, CubicAxis::Threefold111));
+    for (int k = 2; k <= 6; k += 2)
+        for (int q = 0; q <= k; ++q)
+            EXPECT_LT(std::abs(rotated[k][q] - c3[k][q]), 1e-9) << "B" << k << q;
+    // The check values of the rotated unit [001] set: B43' = -0.796819, B63' = -1.073435, B66' = 1.125828.
+    BkqArray unit{};
+    unit[4][0] = 1.0;
+    unit[4][4] = std::sqrt(5.0 / 14.0);
+    unit[6][0] = 1.0;
+    unit[6][4] = -std::sqrt(3.5);
+    const BkqArray u = rotateBkq(unit, c4ToC3Angles());
+    EXPECT_NEAR(u[4][0].real(), -2.0 / 3.0, 1e-12);
+    EXPECT_NEAR(u[4][3].real(), -0.796819, 1e-6);
+    EXPECT_NEAR(u[6][0].real(), 16.0 / 9.0, 1e-12);
+    EXPECT_NEAR(u[6][3].real(), -1.073435, 1e-6);
+    EXPECT_NEAR(u[6][6].real(), 1.125828, 1e-6);
+}
+
+TEST(CubicApproximation, UncertaintiesListingAndAdoption) {
+    Invariants inv;
+    inv.s = {0.0, 300.0, 200.0};
+    inv.sigmaS = {0.0, 3.0, 2.0};
+    const auto set = cubicSet(inv, -5.0, 2.0, CubicAxis::Fourfold001);
+    ASSERT_EQ(set.size(), 4u);
+    EXPECT_NEAR(set[0].value, -std::sqrt(21.0 / 4.0) * 300.0, 1e-9);  // sign of B40
+    EXPECT_NEAR(set[0].sigma, std::sqrt(21.0 / 4.0) * 3.0, 1e-12);
+    EXPECT_NEAR(set[1].value / set[0].value, std::sqrt(5.0 / 14.0), 1e-12);
+    EXPECT_NEAR(set[3].value / set[2].value, -std::sqrt(3.5), 1e-12);
+    EXPECT_NEAR(set[3].sigma, std::sqrt(3.5) * std::sqrt(13.0 / 8.0) * 2.0, 1e-12);
+
+    CfTable table;
+    table.rows = {row(2, 0, "100"), row(4, 0, "-500(10)"), row(4, 4, "-200"), row(6, 0, "300"), row(6, 4, "-400")};
+    for (Choice answer : {Choice::No, Choice::Yes}) {
+        CfTable t = table;
+        ScriptedAsker asker({}, {answer});
+        MemoryLogBook log;
+        const auto c3 = cubicApproximationAsking(t, CfNormalisation::Wybourne, CubicAxis::Threefold111, asker, log);
+        EXPECT_EQ(log.lines()[0], "Cubic approximation of crystal field parameters along 3-fold [111] axis:");
+        EXPECT_EQ(log.lines()[1].rfind("B40 = ", 0), 0u);
+        EXPECT_EQ(log.lines()[5].rfind("B66 = ", 0), 0u);
+        EXPECT_EQ(asker.messages()[0], "Cubic approx. of CFP: Adopt the above crystal field parameters?");
+        EXPECT_LT(c3[0].value, 0.0);  // sign of the current B40
+        if (answer == Choice::No) {
+            EXPECT_EQ(t.rows.size(), 5u);
+            EXPECT_EQ(t.rows[0].re.text, "100");
+        } else {
+            ASSERT_EQ(t.rows.size(), 5u);
+            EXPECT_EQ(t.rows[1].k, 4);
+            EXPECT_EQ(t.rows[1].q, 3);
+            EXPECT_NE(t.rows[0].re.text.find('('), std::string::npos) << "uncertainty kept";
+        }
+    }
+}
+
+}  // namespace
+}  // namespace orvane::params

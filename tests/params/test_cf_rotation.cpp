@@ -1,0 +1,246 @@
+// Rotations of crystal-field parameters: the operator test in a J multiplet, the
+// fixed rotations, Bkqzero, garnet sites and the log lines.
+#include <cmath>
+#include <complex>
+#include <random>
+
+#include <Eigen/Dense>
+#include <gtest/gtest.h>
+
+#include "core/angular.hpp"
+#include "core/asker.hpp"
+#include "core/log_book.hpp"
+#include "core/number_format.hpp"
+#include "core/user_error.hpp"
+#include "params/cf_rotation.hpp"
+#include "params/cf_rotation_dialogs.hpp"
+#include "params/value_cell.hpp"
+
+namespace orvane::params {
+namespace {
+
+using Complex = std::complex<double>;
+using Matrix = Eigen::MatrixXcd;
+
+constexpr double kPi = 3.14159265358979323846;
+
+// H_CF inside one J multiplet, written directly from the Wigner-Eckart theorem:
+// <J M|C(k,q)|J M'> = (-1)^(J-M) (J k J; -M q M') x (an arbitrary reduced element per k).
+Matrix multipletHamiltonian(const BkqArray& b, double J) {
+    const int n = static_cast<int>(std::lround(2 * J + 1));
+    const double reduced[7] = {0, 0, 0.8, 0, -1.3, 0, 0.55};
+    Matrix h = Matrix::Zero(n, n);
+    for (int i = 0; i < n; ++i)
+        for (int j = 0; j < n; ++j) {
+            const double m = i - J, mp = j - J;
+            for (int k = 2; k <= 6; k += 2)
+                for (int q = -k; q <= k; ++q) {
+                    const double w = ThreeJ(J, k, J, -m, q, mp);
+                    if (w == 0.0) continue;
+                    const double phase = std::lround(J - m) % 2 == 0 ? 1.0 : -1.0;
+                    h(i, j) += bkqAt(b, k, q) * phase * w * reduced[k];
+                }
+        }
+    return h;
+}
+
+// Wigner matrix D_{mm'} = e^{-i m a} d_{mm'}(b) e^{-i m' c} (angles in radians).
+Matrix wignerD(double J, double a, double b, double c) {
+    const Eigen::MatrixXd d = RotationMatrixD(J, b);
+    const int n = static_cast<int>(d.rows());
+    Matrix D(n, n);
+    for (int i = 0; i < n; ++i)
+        for (int j = 0; j < n; ++j)
+            D(i, j) = std::polar(1.0, -(i - J) * a) * d(i, j) * std::polar(1.0, -(j - J) * c);
+    return D;
+}
+
+BkqArray randomBkq(std::mt19937& rng) {
+    std::uniform_real_distribution<double> u(-500.0, 500.0);
+    BkqArray b{};
+    for (int k = 2; k <= 6; k += 2) {
+        b[k][0] = u(rng);
+        for (int q = 1; q <= k; ++q) b[k][q] = Complex(u(rng), u(rng));
+    }
+    return b;
+}
+
+TEST(RotationOfParameters, EqualsRotatingTheIonInAJMultiplet) {
+    std::mt19937 rng(20240611);
+    std::uniform_real_distribution<double> angle(-180.0, 180.0);
+    for (double J : {3.0, 4.5, 7.5}) {
+        for (int trial = 0; trial < 4; ++trial) {
+            const BkqArray b = randomBkq(rng);
+            const EulerAngles e{angle(rng), angle(rng) / 2 + 90.0, angle(rng)};
+            const BkqArray rotated = rotateBkq(b, e);
+            const Matrix h = multipletHamiltonian(b, J);
+            const Matrix hr = multipletHamiltonian(rotated, J);
+            ASSERT_LT((h - h.adjoint()).norm(), 1e-9) << "H_CF must be hermitian";
+            // Frame angles (alpha, beta, gamma) move the field by R_z(gamma) R_y(beta) R_z(alpha).
+            const double r = kPi / 180.0;
+            const Matrix D = wignerD(J, e.gamma * r, e.beta * r, e.alpha * r);
+            EXPECT_LT((hr - D * h * D.adjoint()).norm(), 1e-8 * h.norm()) << "J=" << J;
+            // The spectrum is unchanged.
+            Eigen::SelfAdjointEigenSolver<Matrix> before(h), after(hr);
+            EXPECT_LT((before.eigenvalues() - after.eigenvalues()).norm(), 1e-8 * h.norm());
+            // Hermiticity of the rotated parameters: B(k,0) real.
+            for (int k = 2; k <= 6; k += 2) EXPECT_EQ(rotated[k][0].imag(), 0.0);
+            // Inverse rotation returns the input.
+            const BkqArray back = rotateBkq(rotated, inverseAngles(e));
+            for (int k = 2; k <= 6; k += 2)
+                for (int q = 0; q <= k; ++q) EXPECT_LT(std::abs(back[k][q] - b[k][q]), 1e-9);
+        }
+    }
+}
+
+TEST(RotationOfParameters, CheckValuesOfFixedRotations) {
+    // B20 = 1 rotated by (0, 90, 0): B20' = -1/2, B22' = sqrt(6)/4 (physics reference 9.7).
+    BkqArray axial{};
+    axial[2][0] = 1.0;
+    const BkqArray turned = rotateBkq(axial, {0, 90, 0});
+    EXPECT_NEAR(turned[2][0].real(), -0.5, 1e-14);
+    EXPECT_NEAR(turned[2][2].real(), std::sqrt(6.0) / 4, 1e-14);
+    EXPECT_NEAR(std::abs(turned[2][1]), 0.0, 1e-14);
+    // (alpha, 0, 0) multiplies B(k,q) by exp(-i q alpha).
+    BkqArray b{};
+    b[4][3] = Complex(2.0, 1.0);
+    const BkqArray z = rotateBkq(b, {30, 0, 0});
+    EXPECT_LT(std::abs(z[4][3] - Complex(2.0, 1.0) * std::polar(1.0, -3 * kPi / 6)), 1e-14);
+    // theta is the cube-diagonal angle 54.7356...
+    EXPECT_NEAR(cubeDiagonalAngle(), std::acos(1.0 / std::sqrt(3.0)) * 180.0 / kPi, 1e-12);
+}
+
+TEST(RotationOfParameters, C3toC4AndC4toC3AreMutualInverses) {
+    std::mt19937 rng(7);
+    const BkqArray b = randomBkq(rng);
+    for (const auto& [first, second] : {std::pair{c3ToC4Angles(), c4ToC3Angles()},
+                                        std::pair{c4ToC3Angles(), c3ToC4Angles()}}) {
+        const BkqArray back = rotateBkq(rotateBkq(b, first), second);
+        for (int k = 2; k <= 6; k += 2)
+            for (int q = 0; q <= k; ++q) EXPECT_LT(std::abs(back[k][q] - b[k][q]), 1e-10);
+    }
+}
+
+CfTable tableOf(std::initializer_list<std::tuple<int, int, double, double>> rows) {
+    CfTable t;
+    for (const auto& [k, q, re, im] : rows) {
+        CfRow r;
+        r.k = k;
+        r.q = q;
+        r.re = makeCell(re, kRotatedPicture);
+        r.im = makeCell(im, kRotatedPicture);
+        t.rows.push_back(r);
+    }
+    return t;
+}
+
+TEST(RotationCommands, ZeroImaginaryPartRules) {
+    struct Case { double re, im; int q; double alpha; };
+    const Case cases[] = {{0.0, 50.0, 2, 45.0},      // Re = 0: exactly 90/q
+                          {0.0, -50.0, 3, 30.0},     // also with negative Im
+                          {100.0, 100.0, 4, 11.25},  // atan(1)/4
+                          {-100.0, 100.0, 2, -22.5}};  // atan, not atan2: within +-90/q
+    for (const Case& c : cases) {
+        EXPECT_DOUBLE_EQ(zeroImaginaryAngle(c.re, c.im, c.q), c.alpha);
+        CfTable table = tableOf({{6, c.q, c.re, c.im}, {6, 0, 10.0, 0.0}});
+        MemoryLogBook log;
+        RotationHistory history;
+        rotateToZeroImaginary(table, 6, c.q, log, history);
+        for (const CfRow& row : table.rows)
+            if (row.k == 6 && row.q == c.q) {
+                EXPECT_NEAR(cellNumber(row.im), 0.0, 1e-9);
+                EXPECT_NEAR(std::abs(cellNumber(row.re)), std::hypot(c.re, c.im), 1e-9);
+            }
+        EXPECT_TRUE(history.previous.has_value());
+    }
+    MemoryLogBook log;
+    RotationHistory history;
+    CfTable table = tableOf({{2, 2, 0.0, 50.0}});
+    rotateToZeroImaginary(table, 2, 2, log, history);
+    EXPECT_EQ(log.lines()[1], "The coordinates frame for the CFP has been rotated by " +
+                                  formatNumber(45.0, "###0.0####") + " deg. to set ImB22 = 0");
+}
+
+TEST(RotationCommands, ZeroImaginaryPartMessages) {
+    CfTable table = tableOf({{4, 0, 1.0, 0.0}, {4, 2, 1.0, 1.0}});
+    MemoryLogBook log;
+    RotationHistory history;
+    struct Case { std::string answer; std::string message; };
+    const Case cases[] = {
+        {"4", "Rotation to set ImBkq=0: Need to provide both k and q value to rotate Im Bkq=0. Your input is just:4"},
+        {"6 4", "Rotation to set ImBkq=0: There is no ImB64 found to set it zero!"},
+        {"4,0", "Rotation to set ImBkq=0: No need or impossible to rotate Im B40 to zero as it should be zero in itself!"},
+    };
+    for (const Case& c : cases) {
+        ScriptedAsker asker({c.answer});
+        EXPECT_FALSE(rotateToZeroImaginaryAsking(table, asker, log, history));
+        ASSERT_EQ(asker.messages().size(), 1u);
+        EXPECT_EQ(asker.messages()[0], c.message);
+        EXPECT_EQ(asker.questions()[0].prompt, "Give values of k and q to set ImBkq=0 by rotation around the z-axis:");
+    }
+    EXPECT_FALSE(history.previous.has_value()) << "nothing rotated";
+}
+
+TEST(RotationCommands, AskedAnglesLogLinesAndRecovery) {
+    CfTable table = tableOf({{2, 0, 1.0, 0.0}});
+    const CfTable original = table;
+    ScriptedAsker asker({"0; 90,0"});
+    MemoryLogBook log;
+    RotationHistory history;
+    ASSERT_TRUE(rotateByAskedAngles(table, asker, log, history));
+    EXPECT_EQ(asker.questions()[0].prompt,
+              "Give Euler's angles of rotation (Alpha, Beta and Gamma) in degree (separated by a space or a comma ):");
+    EXPECT_EQ(log.lines().front(), std::string(47, '#'));
+    EXPECT_EQ(log.lines()[1], "The coordinates frame for the CFP has been rotated by Euler's angles:");
+    EXPECT_EQ(log.lines().back(), std::string(47, '#'));
+    ASSERT_EQ(table.rows.size(), 3u);  // every q >= 0 of rank 2
+    EXPECT_EQ(table.rows[0].re.text, "-0.5");
+    EXPECT_EQ(table.rows[2].re.text, "0.61237");  // sqrt(6)/4 with "#####0.0####"
+    ASSERT_TRUE(recoverPreviousRows(table, history));
+    EXPECT_EQ(table.rows.size(), original.rows.size());
+    EXPECT_EQ(table.rows[0].re.text, original.rows[0].re.text);
+    EXPECT_FALSE(recoverPreviousRows(table, history));
+
+    MemoryLogBook fixed;
+    rotateC4toC3(table, fixed, history);
+    EXPECT_TRUE(fixed.contains("The coordinates frame for the CFP has been rotated from [001] to [111] axis with  Euler's angles: 45.0 54.73561 0.0"))
+        << fixed.text();
+    rotateC3toC4(table, fixed, history);
+    EXPECT_TRUE(fixed.contains("rotated from [111] to [001] axis with  Euler's angles: "));
+    EXPECT_NEAR(cellNumber(table.rows[0].re), 1.0, 1e-9);
+    // An empty answer cancels.
+    ScriptedAsker empty({""});
+    EXPECT_FALSE(rotateByAskedAngles(table, empty, fixed, history));
+}
+
+TEST(RotationCommands, GarnetSitesAndTheirInverses) {
+    std::mt19937 rng(3);
+    const BkqArray b = randomBkq(rng);
+    for (int site = 1; site <= 6; ++site) {
+        const auto to = garnetSiteAngles(site, false);
+        const auto from = garnetSiteAngles(site, true);
+        ASSERT_TRUE(to && from);
+        const BkqArray back = rotateBkq(rotateBkq(b, *to), *from);
+        for (int k = 2; k <= 6; k += 2)
+            for (int q = 0; q <= k; ++q) EXPECT_LT(std::abs(back[k][q] - b[k][q]), 1e-9) << site;
+    }
+    EXPECT_FALSE(garnetSiteAngles(7, false));
+    const auto choice = parseGarnetChoice(" 4 f");
+    ASSERT_TRUE(choice);
+    EXPECT_EQ(choice->site, 4);
+    EXPECT_TRUE(choice->toSiteOne);
+    EXPECT_FALSE(parseGarnetChoice("9"));
+
+    CfTable table = tableOf({{2, 0, 1.0, 0.0}});
+    ScriptedAsker asker({"3"});
+    MemoryLogBook log;
+    RotationHistory history;
+    ASSERT_TRUE(rotateToGarnetSiteAsking(table, asker, log, history));
+    EXPECT_EQ(asker.questions()[0].title, "Rotation of Crystal Field Parameters for Equivalent Sites in Garnets");
+    EXPECT_TRUE(log.contains(" by Euler's angles: 0.0 90.0 0.0")) << log.text();
+    EXPECT_EQ(asker.messages().back(),
+              "Rotation of Crystal Field Parameters for Equivalent Sites in Garnets: The transformed Crystal Field Parameters are now shown in the Logbook.");
+}
+
+}  // namespace
+}  // namespace orvane::params
