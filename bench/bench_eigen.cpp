@@ -13,6 +13,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include "tests/support/random_matrices.hpp"
+
 #include "core/eigen_solver.hpp"
 #include "core/hermitian_eigen.hpp"
 #include "core/lapack.hpp"
@@ -21,19 +23,7 @@ namespace {
 
 using Complex = std::complex<double>;
 
-Eigen::MatrixXcd randomHermitian(int n) {
-    std::mt19937 generator(12345u);
-    std::uniform_real_distribution<double> uniform(-1.0, 1.0);
-    Eigen::MatrixXcd h(n, n);
-    for (int i = 0; i < n; ++i) {
-        for (int k = 0; k < i; ++k) {
-            h(i, k) = Complex(uniform(generator), uniform(generator));
-            h(k, i) = std::conj(h(i, k));
-        }
-        h(i, i) = 10.0 * uniform(generator);
-    }
-    return h;
-}
+Eigen::MatrixXcd randomHermitian(int n) { return orvane::test::randomHermitian(n, 12345u, 10.0); }
 
 // One bare zheevr call, all eigenpairs, workspace query included (as a caller
 // of LAPACK would do it); the matrix is padded like Orvane's own calls.

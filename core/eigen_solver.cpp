@@ -158,4 +158,35 @@ HermitianEigenpairsResult hermitianEigenvalues(Eigen::MatrixXcd matrix, int lowe
     return solveHermitian(std::move(matrix), lowest, false);
 }
 
+
+SymmetricEigenpairsResult symmetricEigenpairsDivideAndConquer(Eigen::MatrixXd matrix) {
+    SymmetricEigenpairsResult result;
+    if (rejectInput(matrix, result)) return result;
+    const int n = static_cast<int>(matrix.rows());
+    if (n == 0) return result;
+    matrix.conservativeResize(n, n + lapack::kPaddingColumns);  // spare columns, see lapack.hpp
+    result.values.resize(n);
+    int info = 0;
+    int lwork = -1;
+    int liwork = -1;
+    int iworkSize = 0;
+    double workSize = 0.0;
+    dsyevd_("V", "L", &n, matrix.data(), &n, result.values.data(), &workSize, &lwork, &iworkSize,
+            &liwork, &info, 1, 1);
+    lwork = std::max(1, static_cast<int>(workSize));
+    liwork = std::max(1, iworkSize);
+    std::vector<double> work(paddedLength(lwork, n));
+    std::vector<int> iwork(static_cast<std::size_t>(liwork));
+    dsyevd_("V", "L", &n, matrix.data(), &n, result.values.data(), work.data(), &lwork,
+            iwork.data(), &liwork, &info, 1, 1);
+    result.lapackInfo = info;
+    result.status = statusFromInfo(info);
+    if (info != 0) {
+        result.values.resize(0);
+        return result;
+    }
+    result.vectors = matrix.leftCols(n);
+    return result;
+}
+
 }  // namespace orvane

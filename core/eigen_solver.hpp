@@ -44,6 +44,11 @@ struct HermitianEigenpairsResult {
 // or any value >= n asks for all n, 0 for none.
 SymmetricEigenpairsResult symmetricEigenpairs(Eigen::MatrixXd matrix, int lowest = kAllEigenvalues);
 SymmetricEigenpairsResult symmetricEigenvalues(Eigen::MatrixXd matrix, int lowest = kAllEigenvalues);
+// Every eigenpair of a real symmetric matrix by divide and conquer (dsyevd):
+// slower than dsyevr for large orders but its eigenvectors are orthonormal to
+// working precision even inside clusters of equal eigenvalues, which null
+// spaces and simultaneous eigenspaces (term generation) rely on.
+SymmetricEigenpairsResult symmetricEigenpairsDivideAndConquer(Eigen::MatrixXd matrix);
 HermitianEigenpairsResult hermitianEigenpairs(Eigen::MatrixXcd matrix,
                                               int lowest = kAllEigenvalues);
 HermitianEigenpairsResult hermitianEigenvalues(Eigen::MatrixXcd matrix,

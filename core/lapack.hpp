@@ -79,6 +79,10 @@ void dsteqr_(const char* compz, const int* n, double* d, double* e, double* z, c
 void dsterf_(const int* n, double* d, double* e, int* info);
 
 // Selected eigenvalues and eigenvectors of a real symmetric matrix (MRRR).
+// Eigenvalues and eigenvectors of a real symmetric matrix by divide and conquer.
+void dsyevd_(const char* jobz, const char* uplo, const int* n, double* a, const int* lda, double* w,
+             double* work, const int* lwork, int* iwork, const int* liwork, int* info,
+             orvane::lapack::FortranLength jobzLength, orvane::lapack::FortranLength uploLength);
 void dsyevr_(const char* jobz, const char* range, const char* uplo, const int* n, double* a,
              const int* lda, const double* vl, const double* vu, const int* il, const int* iu,
              const double* abstol, int* m, double* w, double* z, const int* ldz, int* isuppz,

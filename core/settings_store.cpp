@@ -69,41 +69,34 @@ std::string formatIni(const SettingsMap& values) {
 
 IniSettingsStore::IniSettingsStore(std::filesystem::path path) : path_(std::move(path)) {
     std::error_code error;
-    if (std::filesystem::exists(path_, error)) {
-        try {
-            values_ = parseIni(readTextFile(path_, 1u << 20));
-        } catch (const UserError&) {
-            values_.clear();  // an unreadable store starts empty
-        }
+    if (!std::filesystem::exists(path_, error)) return;
+    try {
+        values_ = MemorySettingsStore(parseIni(readTextFile(path_, 1u << 20)));
+    } catch (const UserError&) {
+        // An unreadable store starts empty: settings are a convenience.
     }
 }
 
 std::optional<std::string> IniSettingsStore::read(std::string_view section,
                                                   std::string_view key) const {
-    auto s = values_.find(std::string(section));
-    if (s == values_.end()) return std::nullopt;
-    auto k = s->second.find(std::string(key));
-    if (k == s->second.end()) return std::nullopt;
-    return k->second;
+    return values_.read(section, key);
 }
 
 void IniSettingsStore::write(std::string_view section, std::string_view key,
                              std::string_view value) {
-    values_[std::string(section)][std::string(key)] = std::string(value);
+    values_.write(section, key, value);
     save();
 }
 
 void IniSettingsStore::remove(std::string_view section, std::string_view key) {
-    auto s = values_.find(std::string(section));
-    if (s == values_.end()) return;
-    s->second.erase(std::string(key));
+    values_.remove(section, key);
     save();
 }
 
 void IniSettingsStore::save() const {
     std::error_code error;
     if (path_.has_parent_path()) std::filesystem::create_directories(path_.parent_path(), error);
-    writeFileAtomically(path_, formatIni(values_));
+    writeFileAtomically(path_, formatIni(values_.values()));
 }
 
 std::filesystem::path defaultSettingsPath() {

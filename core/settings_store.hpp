@@ -26,9 +26,12 @@ using SettingsMap = std::map<std::string, std::map<std::string, std::string>>;
 
 class MemorySettingsStore final : public SettingsStore {
 public:
+    MemorySettingsStore() = default;
+    explicit MemorySettingsStore(SettingsMap values) : values_(std::move(values)) {}
     std::optional<std::string> read(std::string_view section, std::string_view key) const override;
     void write(std::string_view section, std::string_view key, std::string_view value) override;
     void remove(std::string_view section, std::string_view key) override;
+    const SettingsMap& values() const { return values_; }
 
 private:
     SettingsMap values_;
@@ -47,7 +50,7 @@ public:
 private:
     void save() const;
     std::filesystem::path path_;
-    SettingsMap values_;
+    MemorySettingsStore values_;
 };
 
 // $XDG_CONFIG_HOME/orvane/orvane.ini, else $HOME/.config/orvane/orvane.ini.

@@ -11,7 +11,7 @@
 
 #include "core/angular.hpp"
 #include "tables/slater_determinants.hpp"
-#include "tables/symmetric_eigen.hpp"
+#include "core/eigen_solver.hpp"
 
 namespace orvane {
 
@@ -56,8 +56,8 @@ std::vector<Eigen::VectorXd> highestWeightStates(const DeterminantSpace& space, 
     const auto sRaise = sectorImages(spinRaising(), space, sector);
     const Eigen::MatrixXd gram =
         Eigen::MatrixXd(lRaise.transpose() * lRaise) + Eigen::MatrixXd(sRaise.transpose() * sRaise);
-    const auto eigen = symmetricEigen(gram);
-    if (!eigen.ok) throw std::runtime_error("eigen solver failed on a highest-weight sector");
+    const auto eigen = symmetricEigenpairsDivideAndConquer(gram);
+    if (eigen.status != EigenStatus::Ok) throw std::runtime_error("eigen solver failed on a highest-weight sector");
     std::vector<Eigen::VectorXd> states;
     for (int c = 0; c < eigen.values.size(); ++c) {
         // Eigenvalues of S-S+ + L-L+ in the sector are 0 or at least 1.
@@ -112,8 +112,8 @@ std::vector<Eigen::MatrixXd> splitByEigenvalue(const Eigen::MatrixXd& op,
     std::vector<Eigen::MatrixXd> result;
     for (const auto& basis : groups) {
         const Eigen::MatrixXd projected = basis.transpose() * op * basis;
-        const auto eigen = symmetricEigen(0.5 * (projected + projected.transpose()));
-        if (!eigen.ok) throw std::runtime_error("eigen solver failed on a Casimir operator");
+        const auto eigen = symmetricEigenpairsDivideAndConquer(0.5 * (projected + projected.transpose()));
+        if (eigen.status != EigenStatus::Ok) throw std::runtime_error("eigen solver failed on a Casimir operator");
         const Eigen::MatrixXd vectors = basis * eigen.vectors;
         int start = 0;
         for (int c = 1; c <= vectors.cols(); ++c)

@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/random_matrices.hpp"
+
 #include "core/eigen_solver.hpp"
 
 namespace orvane {
@@ -44,17 +46,7 @@ Complex toeplitzVectorComponent(int n, double phi, int ascendingIndex, int j) {
 }
 
 Eigen::MatrixXcd randomHermitian(int n, unsigned seed) {
-    std::mt19937 generator(seed);
-    std::uniform_real_distribution<double> uniform(-1.0, 1.0);
-    Eigen::MatrixXcd h(n, n);
-    for (int i = 0; i < n; ++i) {
-        for (int k = 0; k < i; ++k) {
-            h(i, k) = Complex(uniform(generator), uniform(generator));
-            h(k, i) = std::conj(h(i, k));
-        }
-        h(i, i) = 5.0 * uniform(generator);
-    }
-    return h;
+    return test::randomHermitian(n, seed, 5.0);
 }
 
 double worstOverlapDefect(const Eigen::MatrixXcd& a, const Eigen::MatrixXcd& b) {

@@ -12,6 +12,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/random_matrices.hpp"
+
 #include "core/eigen_solver.hpp"
 #include "core/hermitian_eigen.hpp"
 #include "core/text.hpp"
@@ -24,17 +26,7 @@ namespace {
 using Complex = std::complex<double>;
 
 Eigen::MatrixXcd randomHermitian(int n, unsigned seed) {
-    std::mt19937 generator(seed);
-    std::uniform_real_distribution<double> uniform(-1.0, 1.0);
-    Eigen::MatrixXcd h(n, n);
-    for (int i = 0; i < n; ++i) {
-        for (int k = 0; k < i; ++k) {
-            h(i, k) = Complex(uniform(generator), uniform(generator));
-            h(k, i) = std::conj(h(i, k));
-        }
-        h(i, i) = Complex(10.0 * uniform(generator), 0.0);
-    }
-    return h;
+    return test::randomHermitian(n, seed, 10.0);
 }
 
 HermitianEigenResult solve(const Eigen::MatrixXcd& h, int mode,

@@ -11,18 +11,12 @@
 #include "params/free_ion_conversion.hpp"
 #include "params/stevens_lambda.hpp"
 #include "params/value_cell.hpp"
+#include "tests/params/cf_rows.hpp"
 
 namespace orvane::params {
 namespace {
 
-CfRow row(int k, int q, const std::string& re, const std::string& im = "0") {
-    CfRow r;
-    r.k = k;
-    r.q = q;
-    r.re = ValueCell{re, parseValueCell(re).value};
-    r.im = ValueCell{im, parseValueCell(im).value};
-    return r;
-}
+using test::row;
 
 TEST(StevensLambda, FactorsOfThePolynomialIdentity) {
     // lambda(k,q) values: physics reference 9.4 (polynomial identity with C(k,q), computed).

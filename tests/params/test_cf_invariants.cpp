@@ -11,17 +11,13 @@
 #include "params/cf_rotation.hpp"
 #include "params/cubic_approximation.hpp"
 #include "params/value_cell.hpp"
+#include "tests/params/cf_rows.hpp"
 
 namespace orvane::params {
 namespace {
 
 CfRow row(int k, int q, const std::string& re, const std::string& im = "0.0") {
-    CfRow r;
-    r.k = k;
-    r.q = q;
-    r.re = ValueCell{re, parseValueCell(re).value};
-    r.im = ValueCell{im, parseValueCell(im).value};
-    return r;
+    return test::row(k, q, re, im);
 }
 
 // Pr3+:LaF3 crystal-field parameters, Carnall et al., J. Chem. Phys. 90, 3443 (1989), Table I.
