@@ -1,6 +1,7 @@
 // orvane tables build|compare|cfp|rme: the generators of the term basis and of
 // the reduced-matrix-element tables.
 //   build [--n N | --all] [--dir DIR]  every table the engine needs for f^N
+//                                      (with the three-body and magnetic tables)
 //   build --delivered [--dir DIR]      fNstate.lab and fNcfp.val, N = 1..7
 //   compare --reference DIR [--n N]    generated against published tables
 //   cfp, rme                           the interactive generators
@@ -66,6 +67,9 @@ bool runBuild(const TablesOptions& options) {
         else
             electrons.push_back(options.electrons);
         for (int n : electrons) writeConfigurationTables(computeConfigurationTables(n, generated), directory, log);
+        // Three-body and magnetic tables: escalated from f^2 / f^3 through f^7.
+        const auto lower = lowerConfigurationTables(generated);
+        writeManyBodyTables(electrons, lower, directory, log);
     }
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
     log.appendLine(fmt::format("Tables built in {:.2f} s", elapsed.count()));

@@ -96,7 +96,8 @@ void readParentage(Reader& reader, PublishedTables& tables) {
     tables.hasParentage = true;
 }
 
-void readPairRows(Reader& reader, const PublishedTables& tables, std::array<Eigen::MatrixXd, 7>& matrices) {
+template <std::size_t Columns>
+void readPairRows(Reader& reader, const PublishedTables& tables, std::array<Eigen::MatrixXd, Columns>& matrices) {
     const int T = static_cast<int>(tables.labels.size());
     const auto index = labelIndex(tables.labels);
     for (auto& m : matrices) m = Eigen::MatrixXd::Zero(T, T);
@@ -111,8 +112,9 @@ void readPairRows(Reader& reader, const PublishedTables& tables, std::array<Eige
         // The numbers after the two labels (labels hold digits, so skip them first).
         const auto afterLabels = line.find(fields[1], line.find(fields[0]) + fields[0].size()) + fields[1].size();
         const auto values = numbersInLine(std::string_view(line).substr(afterLabels));
-        if (values.size() != 7) reader.fail(fmt::format("expected 7 values, found {}", values.size()));
-        for (int k = 0; k < 7; ++k) matrices[static_cast<std::size_t>(k)](a->second, b->second) = values[static_cast<std::size_t>(k)];
+        if (values.size() != Columns)
+            reader.fail(fmt::format("expected {} values, found {}", Columns, values.size()));
+        for (int k = 0; k < static_cast<int>(Columns); ++k) matrices[static_cast<std::size_t>(k)](a->second, b->second) = values[static_cast<std::size_t>(k)];
     }
 }
 
@@ -122,6 +124,7 @@ void readElectrostatic(Reader& reader, const std::string& title, PublishedTables
     if (counts.size() < 4) reader.fail("E-S title without its counts");
     const int parameters = static_cast<int>(counts[2]);
     for (auto& m : tables.coulombCentred) m = Eigen::MatrixXd::Zero(T, T);
+    for (auto& m : tables.threeBody) m = Eigen::MatrixXd::Zero(T, T);
     for (int block = 0; block < parameters / 6; ++block)
         for (int i = 0; i < T; ++i) {
             const std::string& line = reader.take();
@@ -131,6 +134,8 @@ void readElectrostatic(Reader& reader, const std::string& title, PublishedTables
             if (values.size() != 6) reader.fail("expected 6 values in an E-S diagonal row");
             if (block == 0)
                 for (int k = 0; k < 3; ++k) tables.coulombCentred[static_cast<std::size_t>(k)](i, i) = values[static_cast<std::size_t>(k)];
+            if (block == 1)
+                for (int k = 0; k < 6; ++k) tables.threeBody[static_cast<std::size_t>(k)](i, i) = values[static_cast<std::size_t>(k)];
         }
     while (true) {
         const std::string& line = reader.take();
@@ -145,9 +150,12 @@ void readElectrostatic(Reader& reader, const std::string& title, PublishedTables
             if (i < 1 || j < 1 || i > T || j > T) reader.fail("E-S code with a term index out of range");
             if (parameter >= 1 && parameter <= 3)
                 tables.coulombCentred[static_cast<std::size_t>(parameter - 1)](std::min(i, j) - 1, std::max(i, j) - 1) = values[p];
+            if (parameter >= 7 && parameter <= 12)
+                tables.threeBody[static_cast<std::size_t>(parameter - 7)](std::min(i, j) - 1, std::max(i, j) - 1) = values[p];
         }
     }
     tables.hasElectrostatic = true;
+    tables.hasThreeBody = parameters >= 12;
 }
 
 void skipBlock(Reader& reader) {
@@ -204,6 +212,9 @@ PublishedTables parsePublishedTables(std::string_view text, const std::string& f
         } else if (title.find("U(K)") != std::string::npos) {
             readPairRows(reader, tables, tables.unitTensor);
             tables.hasUnitTensors = true;
+        } else if (title.find("MK,PK") != std::string::npos) {
+            readPairRows(reader, tables, tables.magnetic);
+            tables.hasMagnetic = true;
         } else if (title.find("E-S") != std::string::npos) {
             readElectrostatic(reader, title, tables);
         } else {

@@ -8,7 +8,11 @@
 //   E-S   diagonal rows "LABEL c1 .. c6" (first sub-block: f2, f4, f6 minus their
 //         configuration averages, alpha/1000, G2, R7), then off-diagonal
 //         "value code" pairs with code = parameter*1000000 + i*1000 + j;
-//   MK,PK (not read).
+//         the second sub-block (f3..f12) holds the three-body t2 (legacy), t3,
+//         t4, t6, t7, t8, parameters 7..12 of the off-diagonal codes;
+//   MK,PK rows "LABEL LABEL c1 .. c6": reduced elements of the rank-(11)
+//         spin-other-orbit + correlated spin-orbit operator, coefficients of
+//         M^0, M^2, M^4, P^2, P^4, P^6.
 // Numbers are read with the pattern -?digits.digits, because a negative value
 // may touch the one before it.
 #include <array>
@@ -31,6 +35,10 @@ struct PublishedTables {
     std::array<Eigen::MatrixXd, 7> doubleTensor;  // stored half, i <= j
     bool hasElectrostatic = false;
     std::array<Eigen::MatrixXd, 3> coulombCentred;  // f2, f4, f6 minus averages, stored half
+    bool hasThreeBody = false;
+    std::array<Eigen::MatrixXd, 6> threeBody;       // t2 (legacy), t3, t4, t6, t7, t8, stored half
+    bool hasMagnetic = false;
+    std::array<Eigen::MatrixXd, 6> magnetic;        // M0 M2 M4 P2 P4 P6 columns, rows as printed
 };
 
 // Throws UserError naming the file and line when the layout cannot be read.

@@ -72,3 +72,20 @@ std::filesystem::path BuildCoulombTable(int n, int k, const std::filesystem::pat
 std::vector<std::string> configurationTableNames(int n);
 
 }  // namespace orvane
+
+namespace orvane {
+
+// The tables of f^0..f^7 (f^0 empty), from which every many-body table is escalated.
+std::vector<ConfigurationTables> lowerConfigurationTables(const std::vector<GeneratedConfiguration>& generated);
+
+// Writes the three-body files "meti.val", "rmtic.val" and the magnetic files
+// "rmziss.val", "mess.val", "rmzic.val", "mesooci.val", "memkpk.val" (with their
+// listings) of every f^n of `electrons` (each 1..14) into `directory`, logging
+// the start and finish lines of each generator. `lower` is
+// lowerConfigurationTables(...); the operators are escalated once for all n.
+// Throws std::invalid_argument for an n outside 1..14 (before writing anything).
+std::vector<std::filesystem::path> writeManyBodyTables(const std::vector<int>& electrons,
+                                                       const std::vector<ConfigurationTables>& lower,
+                                                       const std::filesystem::path& directory, LogBook& log);
+
+}  // namespace orvane

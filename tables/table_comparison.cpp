@@ -202,7 +202,10 @@ std::vector<std::string> comparisonReportLines(const ConfigurationComparison& c)
 
 #include "core/atomic_file.hpp"
 #include "core/user_error.hpp"
+#include "tables/magnetic_comparison.hpp"
+#include "tables/magnetic_tables.hpp"
 #include "tables/table_directory.hpp"
+#include "tables/three_body_tables.hpp"
 
 namespace orvane {
 
@@ -215,18 +218,37 @@ bool comparePublishedTables(const std::filesystem::path& directory, const std::v
     Eigen::MatrixXd previous = Eigen::MatrixXd::Identity(1, 1);
     bool allAgree = true;
     int publishedErrors = 0;
+    // Three-body and magnetic operators (escalated from f^2, f^3), when a shell above f^1 is compared.
+    const auto lower = highest >= 2 ? lowerConfigurationTables(generated) : std::vector<ConfigurationTables>{};
+    const auto threeBody = highest >= 2 ? threeBodyOperatorsOfAll(lower) : std::vector<ThreeBodyOperators>{};
+    const auto magnetic = highest >= 2 ? magneticOperatorsOfAll(lower) : std::vector<MagneticOperators>{};
     for (int n = 1; n <= highest; ++n) {
         const std::string name = "f" + std::to_string(n) + "cross";
         const auto file = findCaseBlind(folder, name);
         if (!file)
             throw UserError("Error in comparing tables", "published table " + name + " not found in " + folder.string());
         const auto published = parsePublishedTables(readTextFile(*file), file->string());
-        const auto comparison = compareConfiguration(computeConfigurationTables(n, generated), published, previous);
+        const auto tables = computeConfigurationTables(n, generated);
+        const auto comparison = compareConfiguration(tables, published, previous);
         previous = comparison.transformation;
         if (std::find(electrons.begin(), electrons.end(), n) == electrons.end()) continue;
         for (const auto& line : comparisonReportLines(comparison)) log.appendLine(line);
         allAgree = allAgree && comparison.termsAgree && comparison.mismatches.empty();
         publishedErrors += static_cast<int>(comparison.publishedErrors.size());
+        if (!comparison.termsAgree || n < 2) continue;
+        const auto index = static_cast<std::size_t>(n);
+        if (published.hasThreeBody) {
+            const auto many = compareThreeBodyColumns(tables, published, comparison.transformation, threeBody[index],
+                                                      racahE3(tables));
+            for (const auto& line : manyBodyReportLines(many, "three-body")) log.appendLine(line);
+            allAgree = allAgree && many.mismatches.empty();
+            publishedErrors += static_cast<int>(many.publishedErrors.size());
+        }
+        if (published.hasMagnetic) {
+            const auto many = compareMagneticColumns(tables, published, comparison.transformation, magnetic[index]);
+            for (const auto& line : manyBodyReportLines(many, "magnetic")) log.appendLine(line);
+            allAgree = allAgree && many.mismatches.empty();
+        }
     }
     if (allAgree)
         log.appendLine(fmt::format("No mismatch found in any configuration compared ({} published errors listed)",
