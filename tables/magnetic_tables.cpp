@@ -6,6 +6,7 @@
 
 #include "core/atomic_file.hpp"
 #include "core/number_format.hpp"
+#include "tables/shell_recursion.hpp"
 #include "tables/table_directory.hpp"
 #include "tables/two_body_escalation.hpp"
 
@@ -13,8 +14,6 @@ namespace orvane {
 
 namespace {
 
-constexpr int kHighestLowerShell = 7;
-constexpr int kShellCapacity = 14;
 constexpr double kZeroThreshold = 1e-11;
 
 std::string valueText(double value) { return generalNumber(std::abs(value) < kZeroThreshold ? 0.0 : value); }
@@ -50,21 +49,11 @@ std::vector<std::string> slice(const std::vector<std::string>& v, std::size_t fr
 }  // namespace
 
 std::vector<MagneticOperators> magneticOperatorsOfAll(const std::vector<ConfigurationTables>& tables) {
-    std::vector<MagneticOperators> result(kShellCapacity + 1);
-    for (int n = 0; n <= kHighestLowerShell; ++n) {
-        const auto& t = tables.at(static_cast<std::size_t>(n));
-        const int size = n == 0 ? 1 : static_cast<int>(t.terms.size());
-        if (n < 2)
-            result[static_cast<std::size_t>(n)] = zeroMagneticOperators(size);
-        else if (n == 2)
-            result[2] = magneticOperatorsOfF2(t.terms);
-        else
-            result[static_cast<std::size_t>(n)] = escalateMagneticOperators(
-                n, spinOrbitOf(t.terms), spinOrbitOf(t.parents), t.cfp, result[static_cast<std::size_t>(n - 1)]);
-    }
-    for (int n = kHighestLowerShell + 1; n <= kShellCapacity; ++n)
-        result[static_cast<std::size_t>(n)] = result[static_cast<std::size_t>(kShellCapacity - n)];
-    return result;
+    // Spin-spin, spin-other-orbit and correlated spin-orbit keep their sign in
+    // the conjugate shell: f^n uses the operators of f^(14-n) unchanged.
+    return operatorsOfEveryShell<MagneticOperators>(
+        tables, 2, zeroMagneticOperators, magneticOperatorsOfF2, escalateMagneticOperators,
+        [](const MagneticOperators& same) { return same; });
 }
 
 std::vector<Eigen::MatrixXd> magneticOperatorList(const MagneticOperators& operators) {

@@ -4,6 +4,7 @@
 
 #include "core/atomic_file.hpp"
 #include "core/number_format.hpp"
+#include "tables/shell_recursion.hpp"
 #include "tables/table_directory.hpp"
 #include "tables/two_body_escalation.hpp"
 
@@ -11,8 +12,6 @@ namespace orvane {
 
 namespace {
 
-constexpr int kHighestLowerShell = 7;
-constexpr int kShellCapacity = 14;
 constexpr double kZeroThreshold = 1e-11;
 
 std::string valueText(double value) { return generalNumber(std::abs(value) < kZeroThreshold ? 0.0 : value); }
@@ -20,22 +19,9 @@ std::string valueText(double value) { return generalNumber(std::abs(value) < kZe
 }  // namespace
 
 std::vector<ThreeBodyOperators> threeBodyOperatorsOfAll(const std::vector<ConfigurationTables>& tables) {
-    std::vector<ThreeBodyOperators> result(kShellCapacity + 1);
-    for (int n = 0; n <= kHighestLowerShell; ++n) {
-        const auto& t = tables.at(static_cast<std::size_t>(n));
-        const int size = n == 0 ? 1 : static_cast<int>(t.terms.size());
-        if (n < 3)
-            result[static_cast<std::size_t>(n)] = zeroThreeBodyOperators(size);
-        else if (n == 3)
-            result[3] = threeBodyOperatorsOfF3(t.terms);
-        else
-            result[static_cast<std::size_t>(n)] = escalateThreeBodyOperators(
-                n, spinOrbitOf(t.terms), spinOrbitOf(t.parents), t.cfp, result[static_cast<std::size_t>(n - 1)]);
-    }
-    for (int n = kHighestLowerShell + 1; n <= kShellCapacity; ++n)
-        result[static_cast<std::size_t>(n)] =
-            conjugateThreeBodyOperators(result[static_cast<std::size_t>(kShellCapacity - n)]);
-    return result;
+    return operatorsOfEveryShell<ThreeBodyOperators>(tables, 3, zeroThreeBodyOperators,
+                                                     threeBodyOperatorsOfF3, escalateThreeBodyOperators,
+                                                     conjugateThreeBodyOperators);
 }
 
 Eigen::MatrixXd racahE3(const ConfigurationTables& tables) {
@@ -45,7 +31,7 @@ Eigen::MatrixXd racahE3(const ConfigurationTables& tables) {
 ThreeBodyOperators ordinaryThreeBodyOperators(int n, const ThreeBodyOperators& orthogonal,
                                               const Eigen::MatrixXd& e3) {
     ThreeBodyOperators result = orthogonal;
-    if (n >= 3 && n <= kShellCapacity - 2) result[0] = legacyT2(n, orthogonal[0], e3);
+    if (n >= 3 && n <= kFullShell - 2) result[0] = legacyT2(n, orthogonal[0], e3);
     return result;
 }
 
