@@ -16,5 +16,6 @@ void addParCommand(CLI::App& app);      // orvane par check FILE
 void addTablesCommand(CLI::App& app);   // orvane tables build|compare|...
 // Crystal-field parameter tools: orvane convert|rotate|invariants|cubic|sm
 void addCrystalFieldCommands(CLI::App& app);
+void addRunCommand(CLI::App& app);      // orvane run FILE.par
 
 }  // namespace orvane::cli

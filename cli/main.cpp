@@ -14,6 +14,7 @@ int main(int argc, char** argv) {
     orvane::cli::addParCommand(app);
     orvane::cli::addTablesCommand(app);
     orvane::cli::addCrystalFieldCommands(app);
+    orvane::cli::addRunCommand(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

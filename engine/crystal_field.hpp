@@ -1,0 +1,102 @@
+#pragma once
+// The crystal-field stage between free-ion levels.
+//
+// The tensor operators U(k) (k = 2, 4, 6) are first carried into the basis of
+// the free-ion eigenstates ("transformed reduced matrix elements"); the
+// |a J MJ> states are split into blocks by 2 MJ mod 2p (p the fold of the
+// site's main axis), and each block is built and diagonalised alone.
+//
+// Wybourne normalisation, per electron C(k)_q = sqrt(4 pi/(2k+1)) Y_kq:
+//   H_CF = sum_k [ B(k,0) C(k)_0 + sum_{q>0} ( B(k,q) C(k)_q + (-1)^q B(k,q)* C(k)_-q ) ]
+// so a row (k, q >= 0, Re, Im) contributes
+//   Re B(k,q) [C(k)_q + (-1)^q C(k)_-q] + i Im B(k,q) [C(k)_q - (-1)^q C(k)_-q].
+// One component matrix per (k, q) and per block is built once ("real" part:
+// the coefficient of Re B(k,q)); a new parameter set only recombines them.
+// Parameters are in any one energy unit; levels come out in it.
+#include <vector>
+
+#include <Eigen/Dense>
+#include <Eigen/Sparse>
+
+#include "core/eigen_solver.hpp"
+#include "engine/configuration_tables.hpp"
+#include "engine/free_ion.hpp"
+#include "engine/j_basis.hpp"
+
+namespace orvane {
+
+// <a J || U(k) || a' J'> between free-ion levels, k = 2, 4, 6 (index 0..2).
+struct TransformedTensors {
+    std::vector<int> levelTwiceJ;
+    std::array<Eigen::MatrixXd, 3> unitTensor;  // levels x levels
+};
+
+// Physics notes 4.1: <SLJ||U(k)||SL'J'> = (-1)^(S+L'+J+k) sqrt([J][J']) {L J S; J' L' k} <SL||U(k)||SL'>,
+// then summed over the free-ion eigenvector components (real).
+TransformedTensors transformTensors(const EngineTables& tables, const FreeIonOperators& operators,
+                                    const FreeIonSolution& freeIon);
+
+struct CrystalFieldKey {
+    int k = 0;
+    int q = 0;  // 0 <= q <= k
+    friend bool operator==(const CrystalFieldKey&, const CrystalFieldKey&) = default;
+};
+
+struct CrystalFieldOperators {
+    int fold = 1;
+    std::vector<ResidueBlock> blocks;
+    std::vector<CrystalFieldKey> keys;
+    // realPart[key][block]: the coefficient matrix of Re B(k,q) in that block,
+    // sparse (C(k)_q only links MJ to MJ - q).
+    std::vector<std::vector<Eigen::SparseMatrix<double>>> realPart;
+    // imaginaryPart[key][block] = A, real antisymmetric, such that i A is the
+    // coefficient matrix of Im B(k,q) (q > 0; zero for q = 0). Built only for
+    // the complex engine; empty otherwise.
+    std::vector<std::vector<Eigen::SparseMatrix<double>>> imaginaryPart;
+};
+
+// True when every key has q a multiple of the fold (no key couples blocks).
+bool keysFitFold(const std::vector<CrystalFieldKey>& keys, int fold);
+
+// Components of the given keys (k even 2..6, 0 <= q <= k, q a multiple of the
+// fold: checked with keysFitFold by the caller).
+CrystalFieldOperators buildCrystalFieldOperators(const TransformedTensors& tensors,
+                                                 const std::vector<CrystalFieldKey>& keys, int fold,
+                                                 bool withImaginaryParts = false);
+
+struct CrystalFieldLevel {
+    double energy = 0.0;
+    int block = 0;           // index into CrystalFieldOperators::blocks
+    Eigen::VectorXd vector;  // over the block's states; empty when vectors were not asked
+    Eigen::VectorXcd complexVector;  // the same from the complex engine
+};
+
+struct CrystalFieldSolution {
+    EigenStatus status = EigenStatus::Ok;
+    std::vector<CrystalFieldLevel> levels;  // ascending energy
+};
+
+// For Kramers ions (half-integral MJ) and when no vectors are asked, a block
+// whose time-reversal partner (residue -r mod 2p) was solved before takes the
+// partner's eigenvalues instead of being diagonalised again.
+
+// `lowest` = m asks only for the m lowest levels overall: each block is asked
+// for its m lowest eigenpairs (LAPACK's index range) and the merged list is cut
+// at m.
+
+// Real engine: diagonal `freeIonEnergies` (per level) plus sum of Re B(k,q) x
+// component in each block; `realParameters[i]` belongs to operators.keys[i].
+CrystalFieldSolution solveRealCrystalField(const CrystalFieldOperators& operators,
+                                           const std::vector<double>& freeIonEnergies,
+                                           const std::vector<double>& realParameters, bool wantVectors,
+                                           int lowest = kAllEigenvalues);
+
+// Complex engine: Hermitian blocks with Re and Im B(k,q) (operators built with
+// imaginary parts), diagonalised by zheevr.
+CrystalFieldSolution solveComplexCrystalField(const CrystalFieldOperators& operators,
+                                              const std::vector<double>& freeIonEnergies,
+                                              const std::vector<double>& realParameters,
+                                              const std::vector<double>& imaginaryParameters, bool wantVectors,
+                                              int lowest = kAllEigenvalues);
+
+}  // namespace orvane

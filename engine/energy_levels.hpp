@@ -1,0 +1,71 @@
+#pragma once
+// Energy levels of a parameter set: the library entry point of the engine.
+//
+// Reads the tables of the configuration (the conjugate f^(14-n) for n = 8..13
+// unless the set's switches hold "/actualshell"), builds the free-ion
+// components, solves the free ion and, when asked, the real crystal field by
+// blocks of MJ residue modulo the set's fold.
+//
+// Conjugate route (physics notes section 0): zeta and every B(k,q) change
+// sign; F^k, alpha, beta, gamma keep theirs. Levels are then equal to the
+// actual-shell levels up to one constant (the Coulomb barycentre differs).
+//
+// Units: every parameter in the set's energy unit; levels in the same unit.
+// Operators whose tables are not read yet (T^i, M^k, P^k, correlation crystal
+// field) are listed in `parametersNotIncluded` when non-zero and logged.
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "core/log_book.hpp"
+#include "engine/configuration_tables.hpp"
+#include "engine/crystal_field.hpp"
+#include "engine/free_ion.hpp"
+#include "engine/parameter_set.hpp"
+
+namespace orvane {
+
+struct EnergyLevelOptions {
+    bool crystalField = true;
+    bool wantVectors = false;
+    bool complex = false;  // Hermitian blocks with Im B(k,q) (zheevr) instead of real ones
+    int lowest = kAllEigenvalues;  // only the lowest m crystal-field levels (index range per block)
+};
+
+struct EnergyLevelResult {
+    int electrons = 0;          // of the parameter set
+    int tableElectrons = 0;     // of the tables used (14 - n on the conjugate route)
+    bool conjugate = false;
+    FreeIonWeights freeIonWeights;  // as applied (signs of the route included)
+    FreeIonOperators freeIonOperators;
+    FreeIonSolution freeIon;
+    std::vector<CrystalFieldKey> crystalFieldKeys;
+    std::vector<double> crystalFieldValues;      // Re B(k,q) as applied, one per key
+    std::vector<double> crystalFieldImaginary;   // Im B(k,q) as applied (all 0 for the real engine)
+    CrystalFieldOperators crystalFieldOperators;
+    CrystalFieldSolution crystalField;       // empty when the crystal field was not asked
+    std::vector<std::string> parametersNotIncluded;
+};
+
+// The free-ion weights of a set on the chosen route (component name -> value).
+FreeIonWeights freeIonWeightsOf(const ParameterSet& set, bool conjugate,
+                                std::vector<std::string>* notIncluded = nullptr);
+
+// The crystal-field keys and values of a set (Wybourne B(k,q), k = 2, 4, 6,
+// 0 <= q <= k; a later row of the same k, q replaces an earlier one; zero rows
+// dropped); signs flipped on the conjugate route. Throws UserError for another
+// convention, an invalid rank or q, an imaginary part when `complex` is false
+// (the real engine would compute another crystal field), or a q the fold cannot carry.
+struct CrystalFieldValues {
+    std::vector<CrystalFieldKey> keys;
+    std::vector<double> re;
+    std::vector<double> im;
+};
+CrystalFieldValues crystalFieldParametersOf(const ParameterSet& set, bool conjugate, bool complex);
+
+// Throws UserError ("Error in real CF main program") for an impossible set,
+// missing tables or a failed diagonalisation.
+EnergyLevelResult computeEnergyLevels(const ParameterSet& set, const std::filesystem::path& tableDirectory,
+                                      LogBook& log, const EnergyLevelOptions& options = {});
+
+}  // namespace orvane

@@ -1,0 +1,216 @@
+// The free-ion stage: basis sizes, component matrices against closed forms,
+// the electrostatic parameter forms and the Pr3+ free-ion levels.
+#include "engine/free_ion.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <map>
+#include <string>
+#include <vector>
+
+#include <fmt/format.h>
+
+#include "core/log_book.hpp"
+#include "engine/energy_levels.hpp"
+#include "tables/term_generator.hpp"
+#include "tests/support/reference_data.hpp"
+
+namespace orvane {
+namespace {
+
+// In-memory tables of f^n, built once per configuration for the whole program.
+const EngineTables& tablesOf(int n) {
+    static const auto generated = generateConfigurations(7);
+    static std::map<int, EngineTables> cache;
+    auto found = cache.find(n);
+    if (found == cache.end())
+        found = cache.emplace(n, engineTablesFrom(computeConfigurationTables(n, generated))).first;
+    return found->second;
+}
+
+std::filesystem::path tableDirectory() {
+    // One directory for every test process, never emptied: ctest may run tests of this
+    // program in parallel, and the tables are written atomically and only when missing.
+    static const auto directory = [] {
+        const auto path = std::filesystem::path(ORVANE_BINARY_DIR) / "test-scratch" / "engine-tables";
+        std::filesystem::create_directories(path);
+        return path;
+    }();
+    return directory;
+}
+
+FreeIonRow row(const std::string& name, double value) { return {name, {fmt::format("{}", value), value}}; }
+
+// A free-ion parameter set of f^n in F^k form.
+ParameterSet freeIonSet(int n, double f2, double f4, double f6, double zeta,
+                        const std::vector<FreeIonRow>& other = {}) {
+    ParameterSet set;
+    set.electronCount = n;
+    set.mainFreeIon = {row("EAVG", 0.0), row("F2", f2), row("F4", f4), row("F6", f6), row("ZETA", zeta)};
+    set.otherFreeIon = other;
+    return set;
+}
+
+// Index of the |SLJ> state of a term label and J in the basis (-1 if absent).
+int stateOf(const EngineTables& tables, const JBasis& basis, const std::string& label, int twiceJ) {
+    for (int s = 0; s < static_cast<int>(basis.states.size()); ++s)
+        if (tables.terms[basis.states[s].term].label == label && basis.states[s].twiceJ == twiceJ) return s;
+    return -1;
+}
+
+// The diagonal element of a component at an |SLJ> state.
+double diagonal(const FreeIonOperators& operators, const std::string& name, int state) {
+    for (std::size_t b = 0; b < operators.basis.blocks.size(); ++b) {
+        const auto& states = operators.basis.blocks[b].states;
+        for (std::size_t i = 0; i < states.size(); ++i)
+            if (states[i] == state) return findComponent(operators, name)->blocks[b](i, i);
+    }
+    ADD_FAILURE() << "state " << state << " not in any block";
+    return 0.0;
+}
+
+TEST(FreeIonBasis, CountsOfJStatesAndMStatesPerConfiguration) {
+    // physics notes 2.1: terms / |SLJ> levels / states of f1, f2, f3, f7.
+    struct Case { int n; std::size_t terms, levels, states; };
+    for (const Case& c : {Case{1, 1, 2, 14}, Case{2, 7, 13, 91}, Case{3, 17, 41, 364}, Case{7, 119, 327, 3432}}) {
+        const auto& tables = tablesOf(c.n);
+        const auto basis = buildJBasis(tables.terms);
+        EXPECT_EQ(tables.terms.size(), c.terms) << "f" << c.n;
+        EXPECT_EQ(basis.states.size(), c.levels) << "f" << c.n;
+        std::size_t states = 0;
+        for (const auto& state : basis.states) states += state.twiceJ + 1;
+        EXPECT_EQ(states, c.states) << "f" << c.n;
+    }
+}
+
+TEST(FreeIonBasis, MinimumMultiplicityDropsDoubletTerms) {
+    // f3 quartets: 4S, 4D, 4F, 4G, 4I -> J-states 1 + 4 + 4 + 4 + 4 = 17.
+    const auto& tables = tablesOf(3);
+    const auto basis = buildJBasis(tables.terms, 3);
+    EXPECT_EQ(basis.states.size(), 17u);
+    for (const auto& state : basis.states) EXPECT_EQ(tables.terms[state.term].twiceS, 3);
+}
+
+TEST(FreeIonComponents, SpinOrbitClosedForms) {
+    // physics notes 4.2: f1 E(2F5/2) = -2 zeta, E(2F7/2) = +3/2 zeta; f2 <3H4|H_SO|3H4> = -3 zeta,
+    // pure LS value (zeta/2S)(J(J+1)-L(L+1)-S(S+1))/2 for 3H6 = +5/2 zeta.
+    struct Case { int n; const char* label; int twiceJ; double expected; };
+    for (const Case& c : {Case{1, "2F", 5, -2.0}, Case{1, "2F", 7, 1.5}, Case{2, "3H", 8, -3.0},
+                         Case{2, "3H", 12, 2.5}, Case{2, "1G", 8, 0.0}}) {
+        const auto& tables = tablesOf(c.n);
+        const auto operators = buildFreeIonOperators(tables);
+        const int state = stateOf(tables, operators.basis, c.label, c.twiceJ);
+        ASSERT_GE(state, 0) << c.label;
+        EXPECT_NEAR(diagonal(operators, "ZETA", state), c.expected, 1e-10) << c.label << " 2J=" << c.twiceJ;
+    }
+}
+
+TEST(FreeIonComponents, CasimirAndOrbitalDiagonals) {
+    // physics notes 2.4: f1 2F: G(R7) = 3/5, G(G2) = 1/2; f3 4S: G(R7) = 6/5, G(G2) = 0;
+    // L(L+1): 2F 12, 3H 30, 4S 0.
+    struct Case { int n; const char* label; int twiceJ; double alpha, beta, gamma; };
+    for (const Case& c : {Case{1, "2F", 5, 12.0, 0.5, 0.6}, Case{3, "4S", 3, 0.0, 0.0, 1.2},
+                         Case{2, "3H", 8, 30.0, 1.0, 1.0}}) {
+        const auto& tables = tablesOf(c.n);
+        const auto operators = buildFreeIonOperators(tables);
+        const int state = stateOf(tables, operators.basis, c.label, c.twiceJ);
+        ASSERT_GE(state, 0) << c.label;
+        EXPECT_NEAR(diagonal(operators, "ALPHA", state), c.alpha, 1e-12) << c.label;
+        EXPECT_NEAR(diagonal(operators, "BETA", state), c.beta, 1e-12) << c.label;
+        EXPECT_NEAR(diagonal(operators, "GAMMA", state), c.gamma, 1e-12) << c.label;
+        EXPECT_NEAR(diagonal(operators, "EAVG", state), 1.0, 0.0) << c.label;
+    }
+}
+
+TEST(FreeIonComponents, CoulombTermEnergiesOfF2) {
+    // physics notes 5.2 (computed, verified against determinants): f2 term energies as
+    // coefficients of F_2, F_4, F_6, i.e. D_k f_k, after the F_0 term.
+    const double D[3] = {225.0, 1089.0, 184041.0 / 25.0};
+    struct Case { const char* label; int twiceJ; double c2, c4, c6; };
+    const auto& tables = tablesOf(2);
+    const auto operators = buildFreeIonOperators(tables);
+    for (const Case& c : {Case{"3P", 2, 45, 33, -1287}, Case{"3F", 4, -10, -33, -286}, Case{"3H", 8, -25, -51, -13},
+                         Case{"1S", 0, 60, 198, 1716}, Case{"1D", 4, 19, -99, 715}, Case{"1G", 8, -30, 97, 78},
+                         Case{"1I", 12, 25, 9, 1}}) {
+        const int state = stateOf(tables, operators.basis, c.label, c.twiceJ);
+        ASSERT_GE(state, 0) << c.label;
+        EXPECT_NEAR(D[0] * diagonal(operators, "F2", state), c.c2, 1e-9) << c.label;
+        EXPECT_NEAR(D[1] * diagonal(operators, "F4", state), c.c4, 1e-9) << c.label;
+        EXPECT_NEAR(D[2] * diagonal(operators, "F6", state), c.c6, 1e-8) << c.label;
+    }
+}
+
+TEST(FreeIonParameters, ElectrostaticFormsGiveTheSameSlaterIntegrals) {
+    // Pr3+:LaF3 F^k (Carnall et al. 1989): F_k = F^k / D_k, and Racah's
+    // E^1 = (70 F_2 + 231 F_4 + 2002 F_6)/9, E^2 = (F_2 - 3 F_4 + 7 F_6)/9, E^3 = (5 F_2 + 6 F_4 - 91 F_6)/3.
+    const std::array<double, 3> upper = {68878.0, 50347.0, 32901.0};
+    const double D[3] = {225.0, 1089.0, 184041.0 / 25.0};
+    const std::array<double, 3> lower = {upper[0] / D[0], upper[1] / D[1], upper[2] / D[2]};
+    const std::array<double, 3> racah = {(70 * lower[0] + 231 * lower[1] + 2002 * lower[2]) / 9,
+                                         (lower[0] - 3 * lower[1] + 7 * lower[2]) / 9,
+                                         (5 * lower[0] + 6 * lower[1] - 91 * lower[2]) / 3};
+    struct Case { SlaterType form; std::array<double, 3> values; };
+    for (const Case& c : {Case{SlaterType::SlaterFUpper, upper}, Case{SlaterType::SlaterFLower, lower},
+                         Case{SlaterType::RacahE, racah}}) {
+        const auto result = slaterUpperIntegrals(c.form, c.values);
+        for (int i = 0; i < 3; ++i)
+            EXPECT_NEAR(result[i], upper[i], 1e-9 * upper[i]) << "form " << int(c.form) << " F^" << 2 * (i + 1);
+    }
+}
+
+// Pr3+ free-ion levels relative to the ground level, (2J, E) in increasing energy.
+struct LevelCheck { int twiceJ; double energy; };
+
+void expectLevels(const ParameterSet& set, const std::vector<LevelCheck>& expected, const char* what) {
+    MemoryLogBook log;
+    const auto result = computeEnergyLevels(set, tableDirectory(), log, {false, false});
+    const auto& levels = result.freeIon.levels;
+    ASSERT_EQ(levels.size(), expected.size() + 1) << what;
+    EXPECT_EQ(levels[0].twiceJ, 8) << what << ": ground level 3H4";
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        EXPECT_EQ(levels[i + 1].twiceJ, expected[i].twiceJ) << what << " level " << i + 1;
+        EXPECT_NEAR(levels[i + 1].energy - levels[0].energy, expected[i].energy, 0.01) << what << " level " << i + 1;
+    }
+}
+
+TEST(FreeIonLevels, PraseodymiumSlaterAndSpinOrbitOnly) {
+    // physics notes 14.4, first bullet (computed; Carnall LaF3 parameters F^k, zeta).
+    expectLevels(freeIonSet(2, 68878, 50347, 32901, 751.7),
+                 {{10, 2116.30}, {12, 4319.45}, {4, 4908.80}, {6, 6320.24}, {8, 6684.29}, {8, 9587.00},
+                  {4, 16837.13}, {12, 20686.83}, {0, 21104.39}, {2, 21734.70}, {4, 22929.23}, {0, 48006.36}},
+                 "F^k + zeta");
+}
+
+TEST(FreeIonLevels, PraseodymiumWithTwoBodyConfigurationInteraction) {
+    // physics notes 14.4, second bullet: + alpha = 16.23, beta = -566.6, gamma = 1371.
+    expectLevels(freeIonSet(2, 68878, 50347, 32901, 751.7,
+                            {row("ALPHA", 16.23), row("BETA", -566.6), row("GAMMA", 1371)}),
+                 {{10, 2108.14}, {12, 4313.28}, {4, 4893.42}, {6, 6303.25}, {8, 6774.52}, {8, 9755.15},
+                  {4, 16851.18}, {0, 20633.63}, {2, 21272.11}, {12, 21325.42}, {4, 22507.28}, {0, 46715.08}},
+                 "F^k + zeta + alpha, beta, gamma");
+}
+
+TEST(FreeIonLevels, RacahFormReproducesTheSameLevelSpacings) {
+    // The same Pr3+ Hamiltonian written with E^1, E^2, E^3 (exact conversion of F^k).
+    const double D[3] = {225.0, 1089.0, 184041.0 / 25.0};
+    const double F2 = 68878 / D[0], F4 = 50347 / D[1], F6 = 32901 / D[2];
+    auto set = freeIonSet(2, (70 * F2 + 231 * F4 + 2002 * F6) / 9, (F2 - 3 * F4 + 7 * F6) / 9,
+                          (5 * F2 + 6 * F4 - 91 * F6) / 3, 751.7);
+    set.slaterType = SlaterType::RacahE;
+    expectLevels(set,
+                 {{10, 2116.30}, {12, 4319.45}, {4, 4908.80}, {6, 6320.24}, {8, 6684.29}, {8, 9587.00},
+                  {4, 16837.13}, {12, 20686.83}, {0, 21104.39}, {2, 21734.70}, {4, 22929.23}, {0, 48006.36}},
+                 "Racah E^k form");
+}
+
+TEST(FreeIonLevels, ReportsParametersWhoseOperatorsAreNotBuiltYet) {
+    auto set = freeIonSet(2, 68878, 50347, 32901, 751.7, {row("M0", 2.08), row("P2", -88.6), row("T2", 0)});
+    MemoryLogBook log;
+    const auto result = computeEnergyLevels(set, tableDirectory(), log, {false, false});
+    // M0 -> M2 = 0.56 M0 and M4 = 0.38 M0 by default; P2 -> P4, P6 by default; T2 = 0 is not listed.
+    EXPECT_EQ(result.parametersNotIncluded, (std::vector<std::string>{"M0", "M2", "M4", "P2", "P4", "P6"}));
+}
+
+}  // namespace
+}  // namespace orvane
