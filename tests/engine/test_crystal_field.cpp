@@ -15,27 +15,17 @@
 #include "core/log_book.hpp"
 #include "core/user_error.hpp"
 #include "engine/energy_levels.hpp"
+#include "tests/engine/engine_test_support.hpp"
 #include "tests/support/reference_data.hpp"
 
 namespace orvane {
 namespace {
 
-std::filesystem::path tableDirectory() {
-    // One directory for every test process, never emptied: ctest may run tests of this
-    // program in parallel, and the tables are written atomically and only when missing.
-    static const auto directory = [] {
-        const auto path = std::filesystem::path(ORVANE_BINARY_DIR) / "test-scratch" / "engine-tables";
-        std::filesystem::create_directories(path);
-        return path;
-    }();
-    return directory;
-}
+std::filesystem::path tableDirectory() { return test::engineTableDirectory(); }
 
-FreeIonRow row(const std::string& name, double value) { return {name, {fmt::format("{}", value), value}}; }
+using test::row;
 
-CrystalFieldRow bkq(int k, int q, double re, double im = 0.0) {
-    return {k, q, {fmt::format("{}", re), re}, {fmt::format("{}", im), im}};
-}
+using test::bkq;
 
 // Pr3+:LaF3 free-ion parameters (Carnall et al. 1989, physics notes 14.4) on f^n.
 ParameterSet ionSet(int n, double zeta, std::vector<CrystalFieldRow> crystalField, int fold) {

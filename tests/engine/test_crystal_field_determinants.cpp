@@ -27,6 +27,7 @@
 #include "core/log_book.hpp"
 #include "engine/energy_levels.hpp"
 #include "tables/slater_determinants.hpp"
+#include "tests/engine/engine_test_support.hpp"
 #include "tests/support/reference_data.hpp"
 
 namespace orvane {
@@ -34,16 +35,7 @@ namespace {
 
 using Sparse = Eigen::SparseMatrix<double>;
 
-std::filesystem::path tableDirectory() {
-    // One directory for every test process, never emptied: ctest may run tests of this
-    // program in parallel, and the tables are written atomically and only when missing.
-    static const auto directory = [] {
-        const auto path = std::filesystem::path(ORVANE_BINARY_DIR) / "test-scratch" / "engine-tables";
-        std::filesystem::create_directories(path);
-        return path;
-    }();
-    return directory;
-}
+std::filesystem::path tableDirectory() { return test::engineTableDirectory(); }
 
 // Sign of moving an operator past the occupied spin-orbitals below p.
 double signBelow(unsigned mask, int p) { return (std::popcount(mask & ((1u << p) - 1u)) % 2 == 0) ? 1.0 : -1.0; }
@@ -112,7 +104,7 @@ RandomParameters randomParameters(unsigned seed, int fold, bool complex) {
     return p;
 }
 
-FreeIonRow row(const std::string& name, double value) { return {name, {fmt::format("{}", value), value}}; }
+using test::row;
 
 ParameterSet setOf(int n, const RandomParameters& p, int fold) {
     ParameterSet set;

@@ -14,6 +14,7 @@
 #include "core/log_book.hpp"
 #include "engine/energy_levels.hpp"
 #include "tables/term_generator.hpp"
+#include "tests/engine/engine_test_support.hpp"
 #include "tests/support/reference_data.hpp"
 
 namespace orvane {
@@ -29,18 +30,9 @@ const EngineTables& tablesOf(int n) {
     return found->second;
 }
 
-std::filesystem::path tableDirectory() {
-    // One directory for every test process, never emptied: ctest may run tests of this
-    // program in parallel, and the tables are written atomically and only when missing.
-    static const auto directory = [] {
-        const auto path = std::filesystem::path(ORVANE_BINARY_DIR) / "test-scratch" / "engine-tables";
-        std::filesystem::create_directories(path);
-        return path;
-    }();
-    return directory;
-}
+std::filesystem::path tableDirectory() { return test::engineTableDirectory(); }
 
-FreeIonRow row(const std::string& name, double value) { return {name, {fmt::format("{}", value), value}}; }
+using test::row;
 
 // A free-ion parameter set of f^n in F^k form.
 ParameterSet freeIonSet(int n, double f2, double f4, double f6, double zeta,
