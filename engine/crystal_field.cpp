@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <limits>
 #include <map>
+#include <type_traits>
 
 #include "core/angular.hpp"
 
@@ -168,10 +169,14 @@ CrystalFieldOperators buildCrystalFieldOperators(const TransformedTensors& tenso
     return operators;
 }
 
-CrystalFieldSolution solveRealCrystalField(const CrystalFieldOperators& operators,
-                                           const std::vector<double>& freeIonEnergies,
-                                           const std::vector<double>& realParameters, bool wantVectors,
-                                           int lowest) {
+namespace {
+
+// Diagonalises every block with `solveBlock(b)` (an eigen result of core/eigen_solver.hpp)
+// and collects the levels in ascending order. Without vectors, a block whose
+// time-reversal partner was already solved (odd n) takes the partner's eigenvalues.
+template <typename SolveBlock>
+CrystalFieldSolution solveBlocks(const CrystalFieldOperators& operators, bool wantVectors, int lowest,
+                                 SolveBlock solveBlock) {
     CrystalFieldSolution solution;
     std::vector<Eigen::VectorXd> blockValues(operators.blocks.size());
     for (std::size_t b = 0; b < operators.blocks.size(); ++b) {
@@ -182,14 +187,7 @@ CrystalFieldSolution solveRealCrystalField(const CrystalFieldOperators& operator
                 solution.levels.push_back({blockValues[b](i), static_cast<int>(b), {}, {}});
             continue;
         }
-        const auto& states = operators.blocks[b].states;
-        const auto size = static_cast<Eigen::Index>(states.size());
-        Eigen::MatrixXd matrix = Eigen::MatrixXd::Zero(size, size);
-        for (Eigen::Index i = 0; i < size; ++i) matrix(i, i) = freeIonEnergies[states[i].level];
-        for (std::size_t key = 0; key < operators.keys.size(); ++key)
-            if (realParameters[key] != 0.0) matrix += realParameters[key] * operators.realPart[key][b];
-        auto result = wantVectors ? symmetricEigenpairs(std::move(matrix), lowest)
-                                  : symmetricEigenvalues(std::move(matrix), lowest);
+        auto result = solveBlock(b);
         if (result.status != EigenStatus::Ok) {
             solution.status = result.status;
             solution.levels.clear();
@@ -198,7 +196,11 @@ CrystalFieldSolution solveRealCrystalField(const CrystalFieldOperators& operator
         blockValues[b] = result.values;
         for (Eigen::Index i = 0; i < result.values.size(); ++i) {
             CrystalFieldLevel level{result.values(i), static_cast<int>(b), {}, {}};
-            if (wantVectors) level.vector = result.vectors.col(i);
+            if constexpr (std::is_same_v<decltype(result.vectors), Eigen::MatrixXcd>) {
+                if (wantVectors) level.complexVector = result.vectors.col(i);
+            } else {
+                if (wantVectors) level.vector = result.vectors.col(i);
+            }
             solution.levels.push_back(std::move(level));
         }
     }
@@ -207,51 +209,51 @@ CrystalFieldSolution solveRealCrystalField(const CrystalFieldOperators& operator
     return solution;
 }
 
+// The real part of one block: free-ion energies on the diagonal plus the
+// parameters times their components.
+Eigen::MatrixXd realBlockMatrix(const CrystalFieldOperators& operators, std::size_t b,
+                                const std::vector<double>& freeIonEnergies,
+                                const std::vector<double>& realParameters) {
+    const auto& states = operators.blocks[b].states;
+    const auto size = static_cast<Eigen::Index>(states.size());
+    Eigen::MatrixXd matrix = Eigen::MatrixXd::Zero(size, size);
+    for (Eigen::Index i = 0; i < size; ++i) matrix(i, i) = freeIonEnergies[states[i].level];
+    for (std::size_t key = 0; key < operators.keys.size(); ++key)
+        if (realParameters[key] != 0.0) matrix += realParameters[key] * operators.realPart[key][b];
+    return matrix;
+}
+
+}  // namespace
+
+CrystalFieldSolution solveRealCrystalField(const CrystalFieldOperators& operators,
+                                           const std::vector<double>& freeIonEnergies,
+                                           const std::vector<double>& realParameters, bool wantVectors,
+                                           int lowest) {
+    return solveBlocks(operators, wantVectors, lowest, [&](std::size_t b) {
+        Eigen::MatrixXd matrix = realBlockMatrix(operators, b, freeIonEnergies, realParameters);
+        return wantVectors ? symmetricEigenpairs(std::move(matrix), lowest)
+                           : symmetricEigenvalues(std::move(matrix), lowest);
+    });
+}
+
 CrystalFieldSolution solveComplexCrystalField(const CrystalFieldOperators& operators,
                                               const std::vector<double>& freeIonEnergies,
                                               const std::vector<double>& realParameters,
                                               const std::vector<double>& imaginaryParameters, bool wantVectors,
                                               int lowest) {
-    CrystalFieldSolution solution;
-    std::vector<Eigen::VectorXd> blockValues(operators.blocks.size());
-    for (std::size_t b = 0; b < operators.blocks.size(); ++b) {
-        const int partner = wantVectors ? -1 : earlierTimeReversalPartner(operators, b);
-        if (partner >= 0) {
-            blockValues[b] = blockValues[partner];
-            for (Eigen::Index i = 0; i < blockValues[b].size(); ++i)
-                solution.levels.push_back({blockValues[b](i), static_cast<int>(b), {}, {}});
-            continue;
-        }
-        const auto& states = operators.blocks[b].states;
-        const auto size = static_cast<Eigen::Index>(states.size());
-        Eigen::MatrixXd realMatrix = Eigen::MatrixXd::Zero(size, size);
+    return solveBlocks(operators, wantVectors, lowest, [&](std::size_t b) {
+        const Eigen::MatrixXd realMatrix = realBlockMatrix(operators, b, freeIonEnergies, realParameters);
+        const auto size = realMatrix.rows();
         Eigen::MatrixXd imaginaryMatrix = Eigen::MatrixXd::Zero(size, size);
-        for (Eigen::Index i = 0; i < size; ++i) realMatrix(i, i) = freeIonEnergies[states[i].level];
-        for (std::size_t key = 0; key < operators.keys.size(); ++key) {
-            if (realParameters[key] != 0.0) realMatrix += realParameters[key] * operators.realPart[key][b];
+        for (std::size_t key = 0; key < operators.keys.size(); ++key)
             if (imaginaryParameters[key] != 0.0)
                 imaginaryMatrix += imaginaryParameters[key] * operators.imaginaryPart[key][b];
-        }
         Eigen::MatrixXcd matrix(size, size);
         matrix.real() = realMatrix;
         matrix.imag() = imaginaryMatrix;
-        auto result = wantVectors ? hermitianEigenpairs(std::move(matrix), lowest)
-                                  : hermitianEigenvalues(std::move(matrix), lowest);
-        if (result.status != EigenStatus::Ok) {
-            solution.status = result.status;
-            solution.levels.clear();
-            return solution;
-        }
-        blockValues[b] = result.values;
-        for (Eigen::Index i = 0; i < result.values.size(); ++i) {
-            CrystalFieldLevel level{result.values(i), static_cast<int>(b), {}, {}};
-            if (wantVectors) level.complexVector = result.vectors.col(i);
-            solution.levels.push_back(std::move(level));
-        }
-    }
-    sortLevels(solution.levels);
-    if (lowest >= 0 && solution.levels.size() > static_cast<std::size_t>(lowest)) solution.levels.resize(lowest);
-    return solution;
+        return wantVectors ? hermitianEigenpairs(std::move(matrix), lowest)
+                           : hermitianEigenvalues(std::move(matrix), lowest);
+    });
 }
 
 }  // namespace orvane
