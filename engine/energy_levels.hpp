@@ -20,7 +20,9 @@
 #include "core/log_book.hpp"
 #include "engine/configuration_tables.hpp"
 #include "engine/crystal_field.hpp"
+#include "engine/crystal_field_parameters.hpp"
 #include "engine/free_ion.hpp"
+#include "engine/free_ion_weights.hpp"
 #include "engine/parameter_set.hpp"
 
 namespace orvane {
@@ -46,22 +48,6 @@ struct EnergyLevelResult {
     CrystalFieldSolution crystalField;       // empty when the crystal field was not asked
     std::vector<std::string> parametersNotIncluded;
 };
-
-// The free-ion weights of a set on the chosen route (component name -> value).
-FreeIonWeights freeIonWeightsOf(const ParameterSet& set, bool conjugate,
-                                std::vector<std::string>* notIncluded = nullptr);
-
-// The crystal-field keys and values of a set (Wybourne B(k,q), k = 2, 4, 6,
-// 0 <= q <= k; a later row of the same k, q replaces an earlier one; zero rows
-// dropped); signs flipped on the conjugate route. Throws UserError for another
-// convention, an invalid rank or q, an imaginary part when `complex` is false
-// (the real engine would compute another crystal field), or a q the fold cannot carry.
-struct CrystalFieldValues {
-    std::vector<CrystalFieldKey> keys;
-    std::vector<double> re;
-    std::vector<double> im;
-};
-CrystalFieldValues crystalFieldParametersOf(const ParameterSet& set, bool conjugate, bool complex);
 
 // Throws UserError ("Error in real CF main program") for an impossible set,
 // missing tables or a failed diagonalisation.
