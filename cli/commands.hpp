@@ -17,5 +17,6 @@ void addTablesCommand(CLI::App& app);   // orvane tables build|compare|...
 // Crystal-field parameter tools: orvane convert|rotate|invariants|cubic|sm
 void addCrystalFieldCommands(CLI::App& app);
 void addRunCommand(CLI::App& app);      // orvane run FILE.par
+void addBatchCommand(CLI::App& app);    // orvane batch LIST
 
 }  // namespace orvane::cli

@@ -15,6 +15,7 @@
 #include "core/asker.hpp"
 #include "core/log_book.hpp"
 #include "core/user_error.hpp"
+#include "engine/orthogonal_electrostatic.hpp"
 #include "engine/parameter_file.hpp"
 #include "params/cf_conventions.hpp"
 #include "params/cf_invariants.hpp"
@@ -22,9 +23,11 @@
 #include "params/cubic_approximation.hpp"
 #include "params/energy_units.hpp"
 #include "params/ligand_file.hpp"
+#include "params/sm_dialogs.hpp"
 #include "params/sm_estimation.hpp"
 #include "params/superposition.hpp"
 #include "params/value_cell.hpp"
+#include "tables/table_directory.hpp"
 
 namespace orvane::cli {
 namespace {
@@ -146,6 +149,21 @@ void runNormalisationConversion(const ConvertOptions& o, params::CfConversion co
     writeIfAsked(o.output, set);
 }
 
+// `o.from` holds the table directory (empty: the default one).
+void runOrthogonalElectrostatic(const ConvertOptions& o) {
+    ParameterSet set = readParameterFile(o.file);
+    if (set.electronCount < 1 || set.electronCount > 13)
+        throw UserError("Error in parameter conversion",
+                        "No. of electrons must be 1..13 for the electrostatic parameters, found " +
+                            std::to_string(set.electronCount));
+    StreamLogBook log(std::cout);
+    const auto tables = loadEngineTables(set.electronCount,
+                                         o.from.empty() ? defaultTableDirectory() : std::filesystem::path(o.from), log);
+    // On the command line the answer to "Adopt them into this input form?" is Yes exactly when -o is given.
+    ScriptedAsker asker({}, {o.output.empty() ? Choice::No : Choice::Yes});
+    if (convertToOrthogonalElectrostaticAsking(set, tables, asker, log)) writeIfAsked(o.output, set);
+}
+
 void runUnitConversion(const ConvertOptions& o) {
     const auto from = params::unitFromName(o.from);
     const auto to = params::unitFromName(o.to);
@@ -216,6 +234,14 @@ void addConvert(CLI::App& app) {
     units->add_option("--scope", options->scope, "all, cfp, major or minor (default all)");
     units->add_option("-o,--output", options->output, "Write the converted parameter file here");
     units->callback([options] { guarded([&] { runUnitConversion(*options); }); });
+
+    auto orthogonal = std::make_shared<ConvertOptions>();
+    auto* sub = convert->add_subcommand(
+        "orthogonal", "Electrostatic parameters (E1-E3, ALPHA, BETA, GAMMA) for the orthogonalised operators");
+    sub->add_option("FILE", orthogonal->file, "Parameter file (.par)")->required()->check(CLI::ExistingFile);
+    sub->add_option("--tables", orthogonal->from, "Table directory (default: the delivered rme directory)");
+    sub->add_option("-o,--output", orthogonal->output, "Adopt the converted parameters and write them here");
+    sub->callback([orthogonal] { guarded([&] { runOrthogonalElectrostatic(*orthogonal); }); });
 }
 
 // ---- orvane rotate ----
@@ -344,6 +370,13 @@ void runSm(const SmOptions& o) {
     params::SmParameters p;
     const params::LigandFile ligands = readLigandsWithR0(o, p);
     for (int i = 0; i < 3; ++i) p.bk[i] = o.bk[i];
+    if (p.r0 == 0.0) {
+        // Abort/Retry/Ignore on the terminal; a closed input counts as Abort.
+        TerminalAsker asker(std::cin, std::cout);
+        const auto confirmed = params::confirmReferenceDistance(p, asker);
+        if (!confirmed) throw UserError("Error in setting up ligand positions", "Reference ligand distance = 0!");
+        p = *confirmed;
+    }
     const CfTable table = params::smTable(params::smBkq(ligands.ligands, p));
     std::cout << "Superposition model: " << ligands.ligands.size() << " ligands, R0 = " << p.r0 << "\n";
     printRows(table, p.stevensType ? "Bkq (Stevens-type coordination factors):" : "Bkq (Wybourne):");

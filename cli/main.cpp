@@ -15,6 +15,7 @@ int main(int argc, char** argv) {
     orvane::cli::addTablesCommand(app);
     orvane::cli::addCrystalFieldCommands(app);
     orvane::cli::addRunCommand(app);
+    orvane::cli::addBatchCommand(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -1,20 +1,17 @@
-// orvane run FILE.par: energy levels of a parameter file, printed to the
-// terminal (free ion, real or complex crystal field). The result files
-// (.gen, .eng, .ev) are not written yet.
+// orvane run FILE.par: one run of the engine (free ion, real or complex
+// crystal field) that writes the general output, state vectors and energies
+// beside the parameter file and prints the progress lines and "Work completed.".
 #include <iostream>
 #include <memory>
 #include <string>
 
-#include <fmt/format.h>
-
 #include "cli/commands.hpp"
 #include "cli/exit_code.hpp"
+#include "core/asker.hpp"
 #include "core/log_book.hpp"
-#include "core/number_format.hpp"
+#include "core/settings_store.hpp"
 #include "core/user_error.hpp"
-#include "engine/energy_levels.hpp"
-#include "engine/parameter_file.hpp"
-#include "engine/run_switches.hpp"
+#include "engine/run_driver.hpp"
 #include "tables/table_directory.hpp"
 
 namespace orvane::cli {
@@ -25,59 +22,47 @@ struct RunOptions {
     std::string file;
     bool freeIon = false;
     bool complex = false;
+    int vectors = 0;
     double shift = 0.0;
+    std::string minComponent = "0.002";
     std::string optionText;
     std::string tableDirectory;
 };
 
-void printFreeIonLevels(const EnergyLevelResult& result, double shift, LogBook& log) {
-    log.appendLine("State     Energy        J");
-    int number = 0;
-    for (const auto& level : result.freeIon.levels)
-        log.appendLine(formatNumber(++number, "###") + "  " + formatNumber(level.energy + shift, "######0.0000") +
-                       "  " + formatTwiceJ(level.twiceJ));
-}
-
-void printCrystalFieldLevels(const EnergyLevelResult& result, double shift, LogBook& log) {
-    log.appendLine("Cumulative state no. and Energy");
-    std::string line;
-    int number = 0;
-    for (const auto& level : result.crystalField.levels) {
-        line += formatNumber(++number, "####") + " " + formatNumber(level.energy + shift, "######0.0000");
-        if (number % 5 == 0) {
-            log.appendLine(line);
-            line.clear();
-        }
-    }
-    if (!line.empty()) log.appendLine(line);
-}
+int modeOf(const RunOptions& options) { return options.freeIon ? 2 : options.complex ? 1 : 0; }
 
 void runParameterFile(const RunOptions& options) {
     StreamLogBook log(std::cout);
-    auto set = readParameterFile(options.file);
-    set.switches = readRunSwitches(set.optionLine + " " + options.optionText);
-    log.appendLine("Get parameters from " + options.file);
-    const auto directory =
-        options.tableDirectory.empty() ? defaultTableDirectory() : std::filesystem::path(options.tableDirectory);
-    EnergyLevelOptions engine;
-    engine.crystalField = !options.freeIon;
-    engine.complex = options.complex;
-    const auto result = computeEnergyLevels(set, directory, log, engine);
-    printFreeIonLevels(result, options.shift, log);
-    if (engine.crystalField) printCrystalFieldLevels(result, options.shift, log);
+    TerminalAsker asker(std::cin, std::cerr);
+    MemorySettingsStore settings;  // energies kept, no prompts, counter from 0
+    RunEnvironment environment{log, asker, settings,
+                               options.tableDirectory.empty() ? defaultTableDirectory()
+                                                              : std::filesystem::path(options.tableDirectory)};
+    RunRequest request;
+    request.eigenvectorsToStore = options.vectors;
+    request.energyShift = options.shift;
+    request.minComponent = options.minComponent;
+    request.optionText = options.optionText;
+    const auto outcome = runEngine(modeOf(options), options.file, request, environment);
+    log.appendLine("Results: " + outcome.names.general + ", " + outcome.names.vectors + ", " +
+                   outcome.names.energies);
     log.appendLine("Work completed.");
 }
 
 }  // namespace
 
 void addRunCommand(CLI::App& app) {
-    auto* command = app.add_subcommand("run", "Energy levels of a parameter file (free ion and crystal field)");
+    auto* command = app.add_subcommand("run", "Energy levels of a parameter file; writes .gen, .ev and .eng");
     auto options = std::make_shared<RunOptions>();
     command->add_option("FILE", options->file, "parameter file (.par)")->required();
-    auto* freeIon = command->add_flag("--free-ion", options->freeIon, "free ion only");
+    auto* freeIon = command->add_flag("--free-ion", options->freeIon, "free ion only (results _fi.gen, _fi.ev, _fi.eng)");
     command->add_flag("--complex", options->complex, "complex crystal field (Im Bkq kept)")->excludes(freeIon);
-    command->add_option("--shift", options->shift, "constant added to every printed energy");
-    command->add_option("--option", options->optionText, "switches joined to the file's own, e.g. \"/actualshell\"");
+    command->add_option("--vectors", options->vectors, "number of lowest state vectors to store (0 = all)")
+        ->check(CLI::NonNegativeNumber);
+    command->add_option("--shift", options->shift, "constant added to every calculated energy written");
+    command->add_option("--min-component", options->minComponent,
+                        "smallest |coefficient| of a state vector processed (0 <= x < 1, default 0.002)");
+    command->add_option("--option", options->optionText, "switches joined to the file's own, e.g. \"/actualshell /printhm\"");
     command->add_option("--tables", options->tableDirectory, "table directory (default: the delivered one)");
     command->callback([options] {
         try {

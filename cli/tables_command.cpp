@@ -4,6 +4,9 @@
 //                                      (with the three-body and magnetic tables)
 //   build --delivered [--dir DIR]      fNstate.lab and fNcfp.val, N = 1..7
 //   compare --reference DIR [--n N]    generated against published tables
+//   check uk|es|ti|mkpk|energies       the interactive checks against one
+//                                      published file (energies: its
+//                                      "EXPERIMENT" block against an .eng file)
 //   cfp, rme                           the interactive generators
 #include <chrono>
 #include <iostream>
@@ -19,9 +22,10 @@
 #include "core/asker.hpp"
 #include "core/log_book.hpp"
 #include "core/user_error.hpp"
+#include "engine/experiment_comparison.hpp"
 #include "tables/interactive_generators.hpp"
+#include "tables/published_comparison_dialogs.hpp"
 #include "tables/table_builder.hpp"
-#include "tables/table_comparison.hpp"
 #include "tables/table_directory.hpp"
 
 namespace orvane::cli {
@@ -34,6 +38,7 @@ struct TablesOptions {
     bool delivered = false;
     std::string directory;
     std::string reference;
+    std::string check;
 };
 
 template <typename Operation>
@@ -86,6 +91,18 @@ bool runCompare(const TablesOptions& options) {
     return comparePublishedTables(options.reference, electrons, log);
 }
 
+// The interactive checks; a cancelled question ends without a verdict (exit 1).
+bool runCheck(const TablesOptions& options) {
+    TerminalAsker asker(std::cin, std::cout);
+    StreamLogBook log(std::cout);
+    if (options.check == "energies") return compareExperimentAsking(asker, log);
+    const PublishedCheck check = options.check == "uk"   ? PublishedCheck::UnitTensorsAndSpinOrbit
+                                 : options.check == "es" ? PublishedCheck::Electrostatic
+                                 : options.check == "ti" ? PublishedCheck::ThreeBody
+                                                         : PublishedCheck::MkPk;
+    return comparePublishedAsking(check, asker, log).value_or(false);
+}
+
 template <typename Generator>
 void runInteractive(const TablesOptions& options, Generator generator) {
     runReporting([&] {
@@ -115,6 +132,13 @@ void addTablesCommand(CLI::App& app) {
     compare->add_option("--reference", options->reference, "directory of the fNcross files")->required();
     compare->add_option("--n", options->electrons, "number of electrons (1..14); default all")->check(CLI::Range(1, 14));
     compare->callback([options] { runReporting([&] { return runCompare(*options); }); });
+
+    auto* check = tables->add_subcommand(
+        "check", "interactive: one published file against the generated tables, or its EXPERIMENT block against an .eng file");
+    check->add_option("KIND", options->check, "uk (U(k), spin-orbit), es (electrostatic), ti, mkpk or energies")
+        ->required()
+        ->check(CLI::IsMember({"uk", "es", "ti", "mkpk", "energies"}));
+    check->callback([options] { runReporting([&] { return runCheck(*options); }); });
 
     auto* cfp = tables->add_subcommand("cfp", "interactive: coefficients of fractional parentage for N > 7");
     cfp->add_option("--dir", options->directory, "table directory");

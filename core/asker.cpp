@@ -31,6 +31,7 @@ std::string_view buttonHint(Buttons buttons) {
         case Buttons::OkCancel: return "[o]k/[c]ancel";
         case Buttons::YesNo: return "[y]es/[n]o";
         case Buttons::YesNoCancel: return "[y]es/[n]o/[c]ancel";
+        case Buttons::AbortRetryIgnore: return "[a]bort/[r]etry/[i]gnore";
     }
     return "";
 }
@@ -38,6 +39,12 @@ std::string_view buttonHint(Buttons buttons) {
 std::optional<Choice> readChoice(std::string_view reply, Buttons buttons) {
     const std::string answer = toUpper(trim(reply));
     if (answer.empty()) return std::nullopt;
+    if (buttons == Buttons::AbortRetryIgnore) {
+        if (answer[0] == 'A') return Choice::Abort;
+        if (answer[0] == 'R') return Choice::Retry;
+        if (answer[0] == 'I') return Choice::Ignore;
+        return std::nullopt;
+    }
     const bool hasYes = buttons == Buttons::YesNo || buttons == Buttons::YesNoCancel;
     const bool hasCancel = buttons == Buttons::OkCancel || buttons == Buttons::YesNoCancel;
     if (hasYes && answer[0] == 'Y') return Choice::Yes;
@@ -49,6 +56,13 @@ std::optional<Choice> readChoice(std::string_view reply, Buttons buttons) {
 
 }  // namespace
 
+// The answer taken when no answer can be had (closed input, exhausted script).
+Choice cautiousChoice(Buttons buttons) {
+    if (buttons == Buttons::YesNo) return Choice::No;
+    if (buttons == Buttons::AbortRetryIgnore) return Choice::Abort;
+    return Choice::Cancel;
+}
+
 Choice TerminalAsker::askChoice(std::string_view title, std::string_view text, Buttons buttons) {
     if (buttons == Buttons::Ok) {
         showMessage(title, text);
@@ -57,7 +71,7 @@ Choice TerminalAsker::askChoice(std::string_view title, std::string_view text, B
     for (;;) {
         out_ << title << ": " << text << ' ' << buttonHint(buttons) << ' ' << std::flush;
         std::string line;
-        if (!std::getline(in_, line)) return buttons == Buttons::YesNo ? Choice::No : Choice::Cancel;
+        if (!std::getline(in_, line)) return cautiousChoice(buttons);
         if (auto choice = readChoice(line, buttons)) return *choice;
     }
 }
@@ -81,7 +95,7 @@ void ScriptedAsker::showMessage(std::string_view title, std::string_view text) {
 Choice ScriptedAsker::askChoice(std::string_view title, std::string_view text, Buttons buttons) {
     messages_.push_back(std::string(title) + ": " + std::string(text));
     if (buttons == Buttons::Ok) return Choice::Ok;
-    if (choices_.empty()) return buttons == Buttons::YesNo ? Choice::No : Choice::Cancel;
+    if (choices_.empty()) return cautiousChoice(buttons);
     const Choice choice = choices_.front();
     choices_.pop_front();
     return choice;

@@ -18,8 +18,8 @@ struct Question {
     std::string defaultAnswer;  // offered to the user; returned for an empty reply
 };
 
-enum class Buttons { Ok, OkCancel, YesNo, YesNoCancel };
-enum class Choice { Ok, Cancel, Yes, No };
+enum class Buttons { Ok, OkCancel, YesNo, YesNoCancel, AbortRetryIgnore };
+enum class Choice { Ok, Cancel, Yes, No, Abort, Retry, Ignore };
 
 class Asker {
 public:
@@ -33,6 +33,10 @@ public:
     // A question answered with one of the buttons.
     virtual Choice askChoice(std::string_view title, std::string_view text, Buttons buttons) = 0;
 };
+
+// The answer taken when no answer can be had: No for Yes/No, Abort for
+// Abort/Retry/Ignore, Cancel otherwise.
+Choice cautiousChoice(Buttons buttons);
 
 // Reads answers from a stream and writes prompts and messages to another.
 class TerminalAsker final : public Asker {
@@ -48,7 +52,8 @@ private:
 };
 
 // Answers from a prepared list and records everything asked and shown; when the
-// list is exhausted, askLine returns std::nullopt and askChoice returns Cancel.
+// list is exhausted, askLine returns std::nullopt and askChoice returns Cancel
+// (No for Yes/No questions, Abort for Abort/Retry/Ignore).
 class ScriptedAsker final : public Asker {
 public:
     explicit ScriptedAsker(std::vector<std::string> answers = {},

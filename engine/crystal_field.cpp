@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <complex>
 #include <cstdlib>
 #include <limits>
 #include <map>
 #include <type_traits>
+#include <utility>
 
 #include "core/angular.hpp"
 
@@ -15,31 +17,49 @@ namespace {
 
 double phaseOfTwice(int twiceExponent) { return ((twiceExponent / 2) % 2 == 0) ? 1.0 : -1.0; }
 
-// Physics notes 4.1 (spin-first coupling): orbital tensor between |SLJ> states.
-double orbitalTensorInJ(const EngineTables& tables, int kIndex, const JState& a, const JState& b) {
+// Physics notes 4.1 (spin-first coupling): a spin-scalar orbital tensor of
+// rank k between |SLJ> states from its term table.
+double orbitalTensorInJ(const EngineTables& tables, const Eigen::MatrixXd& termTable, int k, const JState& a,
+                        const JState& b) {
     const auto& ta = tables.terms[a.term];
     const auto& tb = tables.terms[b.term];
     if (ta.twiceS != tb.twiceS) return 0.0;
-    const double reduced = tables.unitTensor[kIndex](a.term, b.term);
+    const double reduced = termTable(a.term, b.term);
     if (reduced == 0.0) return 0.0;
-    const int twiceK = 2 * kEvenRanks[kIndex];
+    const int twiceK = 2 * k;
     return phaseOfTwice(ta.twiceS + 2 * tb.L + a.twiceJ + twiceK) *
            std::sqrt(double((a.twiceJ + 1) * (b.twiceJ + 1))) *
            SixJ2(2 * ta.L, a.twiceJ, ta.twiceS, b.twiceJ, 2 * tb.L, twiceK) * reduced;
 }
 
-// Wigner-Eckart with <f||C(k)||f>: the coefficient of B(k,q) in
-// <a J M| sum_i C(k)_q(i) |a' J' M'> divided by <a J||U(k)||a' J'> (physics notes 9.1).
-double tensorComponentFactor(int twiceJ, int twiceM, int k, int q, int twiceJp, int twiceMp) {
+// Wigner-Eckart (physics notes 9.1): the coefficient of B(k,q) in
+// <a J M| sum_i X(k)_q(i) |a' J' M'> divided by <a J||X(k)||a' J'>, times the
+// operator's normalisation (<f||C(k)||f> for the crystal field, 1 otherwise).
+double tensorComponentFactor(int twiceJ, int twiceM, int k, int q, int twiceJp, int twiceMp, double normalisation) {
     if (twiceMp - twiceM + 2 * q != 0) return 0.0;
-    return phaseOfTwice(twiceJ - twiceM) * ThreeJ2(twiceJ, 2 * k, twiceJp, -twiceM, 2 * q, twiceMp) *
-           ReducedCk2(6, 2 * k, 6);
+    return phaseOfTwice(twiceJ - twiceM) * ThreeJ2(twiceJ, 2 * k, twiceJp, -twiceM, 2 * q, twiceMp) * normalisation;
+}
+
+// The term table a key's operator uses and its normalisation.
+double normalisationOf(const CrystalFieldKey& key) {
+    return key.op == CrystalFieldOperator::Standard ? ReducedCk2(6, 2 * key.k, 6) : 1.0;
+}
+
+// The transformed reduced elements in the free-ion level basis of one term table.
+Eigen::MatrixXd transformTable(const EngineTables& tables, const JBasis& basis, const Eigen::MatrixXd& vectors,
+                               const Eigen::MatrixXd& termTable, int k) {
+    const auto stateCount = static_cast<Eigen::Index>(basis.states.size());
+    Eigen::MatrixXd inJ(stateCount, stateCount);
+    for (Eigen::Index i = 0; i < stateCount; ++i)
+        for (Eigen::Index j = 0; j < stateCount; ++j)
+            inJ(i, j) = orbitalTensorInJ(tables, termTable, k, basis.states[i], basis.states[j]);
+    return vectors.transpose() * inJ * vectors;
 }
 
 }  // namespace
 
 TransformedTensors transformTensors(const EngineTables& tables, const FreeIonOperators& operators,
-                                    const FreeIonSolution& freeIon) {
+                                    const FreeIonSolution& freeIon, const CorrelationTermTensors& correlation) {
     const auto& basis = operators.basis;
     const auto stateCount = static_cast<Eigen::Index>(basis.states.size());
     const auto levelCount = static_cast<Eigen::Index>(freeIon.levels.size());
@@ -53,12 +73,15 @@ TransformedTensors transformTensors(const EngineTables& tables, const FreeIonOpe
             vectors(block.states[i], level) = free.vector(static_cast<Eigen::Index>(i));
         result.levelTwiceJ.push_back(free.twiceJ);
     }
-    for (int kIndex = 0; kIndex < 3; ++kIndex) {
-        Eigen::MatrixXd inJ(stateCount, stateCount);
-        for (Eigen::Index i = 0; i < stateCount; ++i)
-            for (Eigen::Index j = 0; j < stateCount; ++j)
-                inJ(i, j) = orbitalTensorInJ(tables, kIndex, basis.states[i], basis.states[j]);
-        result.unitTensor[kIndex] = vectors.transpose() * inJ * vectors;
+    for (int kIndex = 0; kIndex < 3; ++kIndex)
+        result.unitTensor[kIndex] =
+            transformTable(tables, basis, vectors, tables.unitTensor[kIndex], kEvenRanks[kIndex]);
+    for (const auto& [op, termTensors] : correlation) {
+        auto& transformed = result.correlation[op];
+        for (int kIndex = 0; kIndex < 3; ++kIndex)
+            if (termTensors[kIndex].size() > 0)
+                transformed[kIndex] =
+                    transformTable(tables, basis, vectors, termTensors[kIndex], kEvenRanks[kIndex]);
     }
     return result;
 }
@@ -75,13 +98,14 @@ namespace {
 // of free-ion levels with the same J values.
 class ComponentFactorCache {
 public:
-    ComponentFactorCache(int k, int q) : k_(k), q_(q), values_(kSide * kSide * kSide, kUnknown) {}
+    ComponentFactorCache(int k, int q, double normalisation)
+        : k_(k), q_(q), normalisation_(normalisation), values_(kSide * kSide * kSide, kUnknown) {}
     double operator()(int twiceJ, int twiceM, int twiceJp, int twiceMp) {
         if (twiceMp - twiceM + 2 * q_ != 0) return 0.0;
         if (twiceJ >= kSide || twiceJp >= kSide || std::abs(twiceM) >= kSide / 2)
-            return tensorComponentFactor(twiceJ, twiceM, k_, q_, twiceJp, twiceMp);
+            return tensorComponentFactor(twiceJ, twiceM, k_, q_, twiceJp, twiceMp, normalisation_);
         double& slot = values_[(twiceJ * kSide + twiceM + kSide / 2) * kSide + twiceJp];
-        if (std::isnan(slot)) slot = tensorComponentFactor(twiceJ, twiceM, k_, q_, twiceJp, twiceMp);
+        if (std::isnan(slot)) slot = tensorComponentFactor(twiceJ, twiceM, k_, q_, twiceJp, twiceMp, normalisation_);
         return slot;
     }
 
@@ -89,6 +113,7 @@ private:
     static constexpr int kSide = 64;
     static constexpr double kUnknown = std::numeric_limits<double>::quiet_NaN();
     int k_, q_;
+    double normalisation_;
     std::vector<double> values_;
 };
 
@@ -97,7 +122,7 @@ private:
 Eigen::SparseMatrix<double> blockComponent(const ResidueBlock& block, const Eigen::MatrixXd& reduced,
                                const CrystalFieldKey& key, double partnerSign) {
     const double conjugateSign = (key.q % 2 == 0) ? 1.0 : -1.0;
-    ComponentFactorCache plus(key.k, key.q), minus(key.k, -key.q);
+    ComponentFactorCache plus(key.k, key.q, normalisationOf(key)), minus(key.k, -key.q, normalisationOf(key));
     const auto size = static_cast<Eigen::Index>(block.states.size());
     // C(k)_q links M to M' = M - q only: the states of each 2M, to visit just those pairs.
     std::map<int, std::vector<Eigen::Index>> statesOfTwiceM;
@@ -135,9 +160,54 @@ void sortLevels(std::vector<Level>& levels) {
                      [](const Level& x, const Level& y) { return x.energy < y.energy; });
 }
 
+// The term table of a key: U(k) for the crystal field, else the correlation
+// operator's (which must have been transformed for that rank).
+const Eigen::MatrixXd& reducedOf(const TransformedTensors& tensors, const CrystalFieldKey& key) {
+    const int kIndex = key.k / 2 - 1;
+    if (key.op == CrystalFieldOperator::Standard) return tensors.unitTensor[kIndex];
+    return tensors.correlation.at(key.op)[kIndex];
+}
+
+// For each state (a, J, M) of block `to`, the index of (a, J, -M) in block `from`.
+std::vector<Eigen::Index> partnerStateIndices(const CrystalFieldOperators& operators, std::size_t from,
+                                              std::size_t to) {
+    std::map<std::pair<int, int>, Eigen::Index> indexOf;  // (level, 2M) -> index in `from`
+    const auto& source = operators.blocks[from].states;
+    for (std::size_t i = 0; i < source.size(); ++i)
+        indexOf[{source[i].level, source[i].twiceM}] = static_cast<Eigen::Index>(i);
+    std::vector<Eigen::Index> indices;
+    for (const auto& state : operators.blocks[to].states) indices.push_back(indexOf.at({state.level, -state.twiceM}));
+    return indices;
+}
+
+// T (see the header) from block `from` to block `to`: (T v)(i) = phase(i) conj(v(source(i))),
+// phase (-1)^(J+M) for M the projection of state i in block `to`. Built once per block pair.
+struct TimeReversalMap {
+    std::vector<Eigen::Index> source;
+    std::vector<double> phase;
+
+    template <typename Vector, typename Conjugate>
+    Vector apply(const Vector& vector, Conjugate conjugate) const {
+        Vector result(static_cast<Eigen::Index>(source.size()));
+        for (std::size_t i = 0; i < source.size(); ++i)
+            result(static_cast<Eigen::Index>(i)) = phase[i] * conjugate(vector(source[i]));
+        return result;
+    }
+};
+
+TimeReversalMap timeReversalMap(const CrystalFieldOperators& operators, std::size_t from, std::size_t to) {
+    TimeReversalMap map{partnerStateIndices(operators, from, to), {}};
+    for (const auto& state : operators.blocks[to].states) map.phase.push_back(phaseOfTwice(state.twiceJ + state.twiceM));
+    return map;
+}
+
+std::complex<double> conjugateOf(std::complex<double> x) { return std::conj(x); }
+double conjugateOf(double x) { return x; }
+
+}  // namespace
+
 // Kramers ions (half-integral MJ, odd n): the blocks of residues r and -r are
-// time-reversal partners with the same eigenvalues. The index of the partner
-// of block b solved before it, or -1.
+// time-reversal partners with the same eigenvalues.
 int earlierTimeReversalPartner(const CrystalFieldOperators& operators, std::size_t b) {
     const int residue = operators.blocks[b].residue;
     if (residue % 2 == 0) return -1;  // integral MJ: no Kramers degeneracy
@@ -147,7 +217,15 @@ int earlierTimeReversalPartner(const CrystalFieldOperators& operators, std::size
     return -1;
 }
 
-}  // namespace
+Eigen::VectorXcd timeReversedVector(const CrystalFieldOperators& operators, std::size_t from, std::size_t to,
+                                    const Eigen::VectorXcd& vector) {
+    return timeReversalMap(operators, from, to).apply(vector, [](std::complex<double> x) { return conjugateOf(x); });
+}
+
+Eigen::VectorXd timeReversedVector(const CrystalFieldOperators& operators, std::size_t from, std::size_t to,
+                                   const Eigen::VectorXd& vector) {
+    return timeReversalMap(operators, from, to).apply(vector, [](double x) { return conjugateOf(x); });
+}
 
 CrystalFieldOperators buildCrystalFieldOperators(const TransformedTensors& tensors,
                                                  const std::vector<CrystalFieldKey>& keys, int fold,
@@ -157,7 +235,7 @@ CrystalFieldOperators buildCrystalFieldOperators(const TransformedTensors& tenso
     operators.blocks = residueBlocks(tensors.levelTwiceJ, fold);
     operators.keys = keys;
     for (const auto& key : keys) {
-        const auto& reduced = tensors.unitTensor[key.k / 2 - 1];
+        const auto& reduced = reducedOf(tensors, key);
         std::vector<Eigen::SparseMatrix<double>> realBlocks, imaginaryBlocks;
         for (const auto& block : operators.blocks) {
             realBlocks.push_back(blockComponent(block, reduced, key, 1.0));
@@ -172,19 +250,30 @@ CrystalFieldOperators buildCrystalFieldOperators(const TransformedTensors& tenso
 namespace {
 
 // Diagonalises every block with `solveBlock(b)` (an eigen result of core/eigen_solver.hpp)
-// and collects the levels in ascending order. Without vectors, a block whose
-// time-reversal partner was already solved (odd n) takes the partner's eigenvalues.
+// and collects the levels in ascending order. A block whose time-reversal
+// partner was already solved (odd n) takes the partner's eigenvalues and, when
+// vectors are asked, the partner's vectors mapped by T.
 template <typename SolveBlock>
 CrystalFieldSolution solveBlocks(const CrystalFieldOperators& operators, bool wantVectors, int lowest,
                                  SolveBlock solveBlock) {
     CrystalFieldSolution solution;
-    std::vector<Eigen::VectorXd> blockValues(operators.blocks.size());
+    std::vector<std::size_t> firstLevelOfBlock(operators.blocks.size(), 0);
+    std::vector<Eigen::Index> levelCountOfBlock(operators.blocks.size(), 0);
     for (std::size_t b = 0; b < operators.blocks.size(); ++b) {
-        const int partner = wantVectors ? -1 : earlierTimeReversalPartner(operators, b);
+        const int partner = earlierTimeReversalPartner(operators, b);
+        firstLevelOfBlock[b] = solution.levels.size();
         if (partner >= 0) {
-            blockValues[b] = blockValues[partner];
-            for (Eigen::Index i = 0; i < blockValues[b].size(); ++i)
-                solution.levels.push_back({blockValues[b](i), static_cast<int>(b), {}, {}});
+            const auto first = firstLevelOfBlock[partner];
+            levelCountOfBlock[b] = levelCountOfBlock[partner];
+            const auto map = wantVectors ? timeReversalMap(operators, partner, b) : TimeReversalMap{};
+            auto conjugate = [](auto x) { return conjugateOf(x); };
+            for (Eigen::Index i = 0; i < levelCountOfBlock[b]; ++i) {
+                const CrystalFieldLevel& source = solution.levels[first + static_cast<std::size_t>(i)];
+                CrystalFieldLevel level{source.energy, static_cast<int>(b), {}, {}};
+                if (source.vector.size() > 0) level.vector = map.apply(source.vector, conjugate);
+                if (source.complexVector.size() > 0) level.complexVector = map.apply(source.complexVector, conjugate);
+                solution.levels.push_back(std::move(level));
+            }
             continue;
         }
         auto result = solveBlock(b);
@@ -193,7 +282,7 @@ CrystalFieldSolution solveBlocks(const CrystalFieldOperators& operators, bool wa
             solution.levels.clear();
             return solution;
         }
-        blockValues[b] = result.values;
+        levelCountOfBlock[b] = result.values.size();
         for (Eigen::Index i = 0; i < result.values.size(); ++i) {
             CrystalFieldLevel level{result.values(i), static_cast<int>(b), {}, {}};
             if constexpr (std::is_same_v<decltype(result.vectors), Eigen::MatrixXcd>) {

@@ -13,6 +13,24 @@
 // One component matrix per (k, q) and per block is built once ("real" part:
 // the coefficient of Re B(k,q)); a new parameter set only recombines them.
 // Parameters are in any one energy unit; levels come out in it.
+//
+// The correlation crystal-field operators (engine/correlation_crystal_field.hpp)
+// are spin-scalar tensors of orbital rank k like U(k): they enter the same
+// form with their own term tables, their own parameters and without the
+// factor <f||C(k)||f> (their parameters multiply the operators themselves).
+//
+// Time reversal (Kramers ions, half-integral MJ). With the phases of this
+// basis (real free-ion vectors over spin-first |SLJ> states, real reduced
+// elements) the antiunitary map
+//   T v: (T v)(a, J, -M) = (-1)^(J-M) conj(v(a, J, M))
+// carries the block of residue r onto the block of residue -r: with
+// B(k,-q) = (-1)^q B(k,q)* and the 3j symmetry (J k J'; M -q -M') =
+// (-1)^(J+k+J') (J k J'; -M q M') one finds
+//   <a J -M|H|a' J' -M'> = (-1)^(J-M) (-1)^(J'-M') conj(<a J M|H|a' J' M'>)
+// (the leftover phase (-1)^(4M) is +1), so no per-level phase is needed: every
+// level a takes the phase +1. T maps an eigenvector of block r to an
+// eigenvector of block -r with the same energy, and T^2 = (-1)^(2J) = -1.
+#include <map>
 #include <vector>
 
 #include <Eigen/Dense>
@@ -25,20 +43,33 @@
 
 namespace orvane {
 
+// The operators of the crystal-field stage: the crystal field proper (U(k)
+// with <f||C(k)||f>) and the correlation crystal fields.
+enum class CrystalFieldOperator { Standard, Sccf, Lccf, OccfA, OccfB };
+
+// Spin-scalar term tensors of orbital rank k = 2, 4, 6 (index 0..2) of the
+// correlation operators, term x term; an empty matrix is a rank not used.
+using TermTensorSet = std::array<Eigen::MatrixXd, 3>;
+using CorrelationTermTensors = std::map<CrystalFieldOperator, TermTensorSet>;
+
 // <a J || U(k) || a' J'> between free-ion levels, k = 2, 4, 6 (index 0..2).
 struct TransformedTensors {
     std::vector<int> levelTwiceJ;
     std::array<Eigen::MatrixXd, 3> unitTensor;  // levels x levels
+    std::map<CrystalFieldOperator, TermTensorSet> correlation;  // the same for the correlation operators
 };
 
 // Physics notes 4.1: <SLJ||U(k)||SL'J'> = (-1)^(S+L'+J+k) sqrt([J][J']) {L J S; J' L' k} <SL||U(k)||SL'>,
-// then summed over the free-ion eigenvector components (real).
+// then summed over the free-ion eigenvector components (real). The
+// correlation term tensors are carried over by the same formula.
 TransformedTensors transformTensors(const EngineTables& tables, const FreeIonOperators& operators,
-                                    const FreeIonSolution& freeIon);
+                                    const FreeIonSolution& freeIon,
+                                    const CorrelationTermTensors& correlation = {});
 
 struct CrystalFieldKey {
     int k = 0;
     int q = 0;  // 0 <= q <= k
+    CrystalFieldOperator op = CrystalFieldOperator::Standard;
     friend bool operator==(const CrystalFieldKey&, const CrystalFieldKey&) = default;
 };
 
@@ -76,9 +107,10 @@ struct CrystalFieldSolution {
     std::vector<CrystalFieldLevel> levels;  // ascending energy
 };
 
-// For Kramers ions (half-integral MJ) and when no vectors are asked, a block
-// whose time-reversal partner (residue -r mod 2p) was solved before takes the
-// partner's eigenvalues instead of being diagonalised again.
+// For Kramers ions (half-integral MJ), a block whose time-reversal partner
+// (residue -r mod 2p) was solved before takes the partner's eigenvalues
+// instead of being diagonalised again, and, when vectors are asked, the
+// partner's eigenvectors mapped by T (above).
 
 // `lowest` = m asks only for the m lowest levels overall: each block is asked
 // for its m lowest eigenpairs (LAPACK's index range) and the merged list is cut
@@ -98,5 +130,16 @@ CrystalFieldSolution solveComplexCrystalField(const CrystalFieldOperators& opera
                                               const std::vector<double>& realParameters,
                                               const std::vector<double>& imaginaryParameters, bool wantVectors,
                                               int lowest = kAllEigenvalues);
+
+// The time-reversal partner of block b among the blocks before it (Kramers
+// ions only), or -1.
+int earlierTimeReversalPartner(const CrystalFieldOperators& operators, std::size_t b);
+
+// T v of a vector of block `from` as a vector of its partner block `to`
+// (the complex form conjugates; the real form is the same map on real vectors).
+Eigen::VectorXcd timeReversedVector(const CrystalFieldOperators& operators, std::size_t from, std::size_t to,
+                                    const Eigen::VectorXcd& vector);
+Eigen::VectorXd timeReversedVector(const CrystalFieldOperators& operators, std::size_t from, std::size_t to,
+                                   const Eigen::VectorXd& vector);
 
 }  // namespace orvane

@@ -6,13 +6,16 @@
 // components, solves the free ion and, when asked, the real crystal field by
 // blocks of MJ residue modulo the set's fold.
 //
-// Conjugate route (physics notes section 0): zeta and every B(k,q) change
-// sign; F^k, alpha, beta, gamma keep theirs. Levels are then equal to the
-// actual-shell levels up to one constant (the Coulomb barycentre differs).
+// Conjugate route (physics notes section 0): zeta, T2', T3..T8 and every
+// B(k,q) change sign; F^k, alpha, beta, gamma, M^k, P^k keep theirs; the
+// legacy T2 follows the rule of physics notes 6.4 (free_ion.hpp). Every
+// scalar free-ion operator is barycentred, so EAVG is the configuration
+// barycentre and both routes give the same levels.
 //
 // Units: every parameter in the set's energy unit; levels in the same unit.
-// Operators whose tables are not read yet (T^i, M^k, P^k, correlation crystal
-// field) are listed in `parametersNotIncluded` when non-zero and logged.
+// Operators whose tables are not read yet are listed in
+// `parametersNotIncluded` when non-zero and logged (every free-ion parameter
+// now has its operator).
 #include <filesystem>
 #include <string>
 #include <vector>

@@ -34,6 +34,19 @@ double expectation(const CrystalFieldLevel& level, const Matrix& matrix, bool ti
     return level.vector.dot(matrix * level.vector);
 }
 
+// The parameter letter of a crystal-field operator: "B", or the correlation
+// sections' "SCCF C", "LCCF D", "OCCFA G", "OCCFB G".
+const char* parameterName(CrystalFieldOperator op) {
+    switch (op) {
+        case CrystalFieldOperator::Sccf: return "SCCF C";
+        case CrystalFieldOperator::Lccf: return "LCCF D";
+        case CrystalFieldOperator::OccfA: return "OCCFA G";
+        case CrystalFieldOperator::OccfB: return "OCCFB G";
+        case CrystalFieldOperator::Standard: break;
+    }
+    return "B";
+}
+
 }  // namespace
 
 LevelDerivatives freeIonDerivatives(const EnergyLevelResult& result) {
@@ -85,12 +98,12 @@ LevelDerivatives crystalFieldDerivatives(const EnergyLevelResult& result) {
     }
     for (std::size_t key = 0; key < operators.keys.size(); ++key) {
         const auto& k = operators.keys[key];
-        derivatives.parameters.push_back(fmt::format("ReB({},{})", k.k, k.q));
+        derivatives.parameters.push_back(fmt::format("Re{}({},{})", parameterName(k.op), k.k, k.q));
         for (std::size_t l = 0; l < levels.size(); ++l)
             derivatives.values(l, column) = expectation(levels[l], operators.realPart[key][levels[l].block], false);
         ++column;
         if (!complex) continue;
-        derivatives.parameters.push_back(fmt::format("ImB({},{})", k.k, k.q));
+        derivatives.parameters.push_back(fmt::format("Im{}({},{})", parameterName(k.op), k.k, k.q));
         for (std::size_t l = 0; l < levels.size(); ++l)
             derivatives.values(l, column) =
                 expectation(levels[l], operators.imaginaryPart[key][levels[l].block], true);

@@ -8,7 +8,10 @@
 // The parameters are the ones as applied by the engine: the free-ion
 // component names ("EAVG", "F2", "F4", "F6", "ZETA", "ALPHA", "BETA",
 // "GAMMA"; F^k whatever form the file used) and "ReB(k,q)", "ImB(k,q)" for the
-// crystal field. On the conjugate route zeta and B(k,q) are applied with their
+// crystal field ("ReSCCF C(k,q)", "ReLCCF D(k,q)", "ReOCCFA G(k,q)", ... and
+// their "Im" forms for the correlation crystal fields; those keep their signs
+// on the conjugate route). With "/cubiccf" or Stevens/unit-operator input the
+// derivatives are by the applied Wybourne B(k,q) of every key. On the conjugate route zeta and B(k,q) are applied with their
 // signs flipped: the derivative by the file's value is the negative.
 #include <string>
 #include <vector>

@@ -17,13 +17,19 @@ struct LabelledValue {
 
 struct FreeIonLevelContributions {
     double averageEnergy = 0.0;                  // "E(ave) = "
-    std::vector<LabelledValue> shifts;           // "E(f2)" ... "E(t7)", in report order
-    std::vector<LabelledValue> magneticElements; // "mss0" ... "100*p6": expectation values of the operators
-    std::vector<LabelledValue> magneticShifts;   // "E(SS)", "E(SOO)", "E(EL-SO)"
+    // "E(f2)", "E(f4)", "E(f6)", "E(SO)", "E(alpha)", "E(beta)", "E(gamma)", "E(t2)" (T2 and T2'
+    // together), "E(t3)", "E(t4)", "E(t6)", "E(t7)", "E(t8)"
+    std::vector<LabelledValue> shifts;
+    // "mss0", "mss2", "mss4", "msoo0", "msoo2", "msoo4", "100*p2", "100*p4", "100*p6":
+    // expectation values of the operators (coefficients of M^k, P^k; the p_k times 100)
+    std::vector<LabelledValue> magneticElements;
+    // "E(SS)" = sum M^k <mss_k>, "E(SOO)" = sum M^k <msoo_k>, "E(EL-SO)" = sum P^k <p_k>
+    std::vector<LabelledValue> magneticShifts;
 };
 
 // One entry per level of `solution`, in its order. Components missing from
-// `operators` (a switch left them out) contribute 0.
+// `operators` (a switch left them out) contribute 0. E(ave) + the shifts +
+// the magnetic shifts = the level energy.
 std::vector<FreeIonLevelContributions> freeIonContributions(const FreeIonOperators& operators,
                                                             const FreeIonWeights& weights,
                                                             const FreeIonSolution& solution);

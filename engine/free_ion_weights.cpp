@@ -2,24 +2,44 @@
 
 #include "engine/engine_errors.hpp"
 #include "engine/other_free_ion.hpp"
+#include "engine/t2_correction.hpp"
 
 namespace orvane {
 
-FreeIonWeights freeIonWeightsOf(const ParameterSet& set, bool conjugate, std::vector<std::string>* notIncluded) {
+namespace {
+
+// Parameters whose operators change sign in the conjugate shell f^(14-n)
+// (physics notes section 0 and 6.3); "T2" is not among them: its component
+// already carries the legacy rule of the actual configuration.
+bool changesSignInConjugate(const std::string& name) {
+    return name == "T2'" || name == "T3" || name == "T4" || name == "T6" || name == "T7" || name == "T8";
+}
+
+}  // namespace
+
+FreeIonWeights freeIonWeightsOf(const ParameterSet& set, bool conjugate, std::vector<std::string>* /*notIncluded*/) {
     const auto& rows = set.mainFreeIon;
     for (const auto& row : rows) requireFiniteParameter(row.cell.value, "free-ion parameter " + row.name);
-    const auto slater =
+    auto slater =
         slaterUpperIntegrals(set.slaterType, {rows[1].cell.value, rows[2].cell.value, rows[3].cell.value});
     const auto other = resolveOtherFreeIon(set.otherFreeIon);
-    const double zetaSign = conjugate ? -1.0 : 1.0;
-    FreeIonWeights weights{{"EAVG", rows[0].cell.value}, {"F2", slater[0]},           {"F4", slater[1]},
-                           {"F6", slater[2]},            {"ZETA", zetaSign * rows[4].cell.value},
-                           {"ALPHA", other["ALPHA"]},    {"BETA", other["BETA"]},     {"GAMMA", other["GAMMA"]}};
+    const double conjugateSign = conjugate ? -1.0 : 1.0;
+    FreeIonWeights weights{{"EAVG", rows[0].cell.value}, {"ZETA", conjugateSign * rows[4].cell.value}};
     for (std::size_t i = 0; i < kOtherFreeIonNames.size(); ++i) {
         const std::string name(kOtherFreeIonNames[i]);
         requireFiniteParameter(other.value[i], name);
-        if (weights.count(name) == 0 && other.value[i] != 0.0 && notIncluded) notIncluded->push_back(name);
+        weights[name] = (changesSignInConjugate(name) ? conjugateSign : 1.0) * other.value[i];
     }
+    if (set.switches.t2Correction) {
+        // T2 then multiplies t2' of the actual shell; its e3 part goes into F^k.
+        const auto correction = t2SlaterCorrection(set.electronCount, weights["T2"]);
+        for (int k = 0; k < 3; ++k) slater[k] += correction.deltaF[k];
+        weights["T2'"] += conjugateSign * weights["T2"];
+        weights["T2"] = 0.0;
+    }
+    weights["F2"] = slater[0];
+    weights["F4"] = slater[1];
+    weights["F6"] = slater[2];
     return weights;
 }
 

@@ -52,4 +52,30 @@ std::optional<std::vector<Ligand>> rotateLigandsAsking(const std::vector<Ligand>
     }
 }
 
+std::optional<SmParameters> confirmReferenceDistance(SmParameters parameters, Asker& asker) {
+    const std::string title = "Error in setting up ligand positions";
+    const Question question{"Give the reference ligand distance R0:", "Reference distance R0", ""};
+    while (parameters.r0 == 0.0) {
+        switch (asker.askChoice(title, "Reference ligand distance = 0!", Buttons::AbortRetryIgnore)) {
+            case Choice::Ignore:
+                parameters.zeroR0Ignored = true;
+                return parameters;
+            case Choice::Retry:
+                break;
+            default:
+                return std::nullopt;
+        }
+        for (;;) {
+            const auto answer = asker.askLine(question);
+            if (!answer) return std::nullopt;
+            if (const auto r0 = parseNumber(trim(*answer)); r0 && *r0 >= 0.0) {
+                parameters.r0 = *r0;
+                break;
+            }
+            asker.showMessage(question.title, "Invalid input: " + *answer);
+        }
+    }
+    return parameters;
+}
+
 }  // namespace orvane::params

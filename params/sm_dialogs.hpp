@@ -1,6 +1,7 @@
 #pragma once
 // Questions of the superposition-model editor: the lattice-to-polar conversion of
-// the ligand table and the rotation of ligand positions.
+// the ligand table, the rotation of ligand positions and the check of the
+// reference distance R0 before the Bkq sums.
 #include <array>
 #include <optional>
 #include <vector>
@@ -23,5 +24,14 @@ std::optional<std::vector<Ligand>> convertLatticeTableAsking(
 // an empty answer.
 std::optional<std::vector<Ligand>> rotateLigandsAsking(const std::vector<Ligand>& ligands,
                                                        Asker& asker);
+
+// Checks R0 before the ligand sums. R0 = 0 shows "Reference ligand distance = 0!"
+// titled "Error in setting up ligand positions" with Abort, Retry and Ignore:
+//   Abort (or a closed dialog) ends the calculation: std::nullopt;
+//   Retry asks for R0 again (and checks the new value the same way);
+//   Ignore goes on with R0 = 0, with which every ligand contributes
+//   b_k (0/R)^t_k K_kq = 0 for t_k > 0.
+// A non-zero R0 is returned unchanged without a question.
+std::optional<SmParameters> confirmReferenceDistance(SmParameters parameters, Asker& asker);
 
 }  // namespace orvane::params

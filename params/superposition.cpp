@@ -66,7 +66,7 @@ double coordinationFactor(int k, int q, double thetaDeg, double phiDeg, bool ste
 }
 
 void checkSmInput(const std::vector<Ligand>& ligands, const SmParameters& p) {
-    if (p.r0 == 0.0 || !std::isfinite(p.r0))
+    if ((p.r0 == 0.0 && !p.zeroR0Ignored) || !std::isfinite(p.r0))
         throw UserError("Error in setting up ligand positions", "Reference ligand distance = 0!");
     if (ligands.size() > static_cast<std::size_t>(kMaxLigands))
         throw UserError(kSumTitle, "Too many ligands: " + std::to_string(ligands.size()) +

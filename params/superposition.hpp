@@ -30,6 +30,7 @@ struct SmParameters {
     std::array<double, 3> bk{};
     std::array<double, 3> tk{};
     bool stevensType = false;  // skip the division by t(k,|q|)
+    bool zeroR0Ignored = false;  // the user answered Ignore to "Reference ligand distance = 0!"
 };
 
 // The angular polynomial P_k|q|(cos theta, sin theta) of the coordination factors.

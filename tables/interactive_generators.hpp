@@ -7,6 +7,7 @@
 //    state labels and coefficients in the table directory.
 // Both end when the user cancels or answers 3 to the final choice.
 #include <filesystem>
+#include <optional>
 
 #include "core/asker.hpp"
 #include "core/log_book.hpp"
@@ -15,5 +16,9 @@ namespace orvane {
 
 void runComplementaryParentageGenerator(Asker& asker, LogBook& log, const std::filesystem::path& tableDirectory);
 void runReducedMatrixGenerator(Asker& asker, LogBook& log, const std::filesystem::path& tableDirectory);
+
+// Asks "give no. of electron >" until a number 1..14 is given (logging
+// "Wrong no. of e- !!!" otherwise); std::nullopt when the user cancels.
+std::optional<int> askElectronCount(Asker& asker, LogBook& log);
 
 }  // namespace orvane

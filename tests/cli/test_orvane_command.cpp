@@ -10,50 +10,16 @@
 #include <unistd.h>
 
 #include "core/atomic_file.hpp"
+#include "tests/cli/orvane_command_runner.hpp"
 #include "tests/support/reference_data.hpp"
 
 namespace orvane {
 namespace {
 
-struct CommandResult {
-    int exitCode = -1;
-    std::string out;
-    std::string err;
-};
-
-std::string slurp(const std::filesystem::path& path) {
-    std::ifstream in(path);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-// Runs `orvane ARGS` with no standard input, capturing both output streams in a
-// folder of this test process alone (ctest runs test cases in parallel).
-CommandResult runOrvane(const std::string& arguments) {
-    static int calls = 0;
-    const auto dir = test::scratchDirectory("cli_run_" + std::to_string(::getpid()) + "_" +
-                                            std::to_string(calls++));
-    const auto out = dir / "stdout.txt";
-    const auto err = dir / "stderr.txt";
-    const std::string command = "cd '" + test::sourceDirectory().string() + "' && '" +
-                                (std::filesystem::path(ORVANE_BINARY_DIR) / "orvane").string() +
-                                "' " + arguments + " </dev/null >'" + out.string() + "' 2>'" +
-                                err.string() + "'";
-    const int status = std::system(command.c_str());
-    CommandResult result;
-    result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    result.out = slurp(out);
-    result.err = slurp(err);
-    return result;
-}
-
-std::string lastLine(const std::string& text) {
-    std::string trimmed = text;
-    while (!trimmed.empty() && (trimmed.back() == '\n' || trimmed.back() == '\r')) trimmed.pop_back();
-    const auto pos = trimmed.rfind('\n');
-    return pos == std::string::npos ? trimmed : trimmed.substr(pos + 1);
-}
+using test::CommandResult;
+using test::lastLine;
+using test::runOrvane;
+using test::slurp;
 
 TEST(OrvaneCommand, CalculatorsPrintTheValueLast) {
     struct Case { const char* arguments; double value; const char* source; };

@@ -10,6 +10,8 @@
 //   beta     G(G2) = (1/4) sum_{k=1,5} (2k+1) (U(k).U(k))
 //   gamma    G(R7) = (1/5) sum_{k=1,3,5} (2k+1) (U(k).U(k))
 //   CF       sum_k [B(k,0) C(k)_0 + sum_{q>0} (B(k,q) C(k)_q + (-1)^q B(k,q)* C(k)_-q)], C(k)_q = <f||C(k)||f> u(k)_q
+//   SCCF     the same form with c(k,q) and sum_i 2 (s_i . S) u(k)_q(i)
+//   LCCF     the same form with d(k,q) and (1/2) sum_i {(L . l_i), u(k)_q(i)}
 #include <gtest/gtest.h>
 
 #include <bit>
@@ -27,79 +29,46 @@
 #include "core/log_book.hpp"
 #include "engine/energy_levels.hpp"
 #include "tables/slater_determinants.hpp"
+#include "tests/engine/determinant_support.hpp"
 #include "tests/engine/engine_test_support.hpp"
 #include "tests/support/reference_data.hpp"
 
 namespace orvane {
 namespace {
 
-using Sparse = Eigen::SparseMatrix<double>;
+using test::manyBody;
+using test::oneBodyMatrix;
+using test::Sparse;
+using test::unitScalar;
+using test::unitTensorMatrix14;
 
 std::filesystem::path tableDirectory() { return test::engineTableDirectory(); }
-
-// Sign of moving an operator past the occupied spin-orbitals below p.
-double signBelow(unsigned mask, int p) { return (std::popcount(mask & ((1u << p) - 1u)) % 2 == 0) ? 1.0 : -1.0; }
-
-// The matrix of sum h_pq a+_p a_q on the determinants of f^n, acting directly on the masks.
-Sparse oneBodyMatrix(const OneBodyOperator& op, const DeterminantSpace& space) {
-    std::vector<Eigen::Triplet<double>> entries;
-    for (int column = 0; column < space.size(); ++column) {
-        const unsigned mask = space.masks[column];
-        for (const auto& entry : op) {
-            if (!(mask & (1u << entry.annihilator))) continue;
-            const unsigned removed = mask & ~(1u << entry.annihilator);
-            if (removed & (1u << entry.creator)) continue;
-            const unsigned result = removed | (1u << entry.creator);
-            const double sign = signBelow(mask, entry.annihilator) * signBelow(removed, entry.creator);
-            entries.emplace_back(space.indexOfMask[result], column, sign * entry.value);
-        }
-    }
-    Sparse matrix(space.size(), space.size());
-    matrix.setFromTriplets(entries.begin(), entries.end());
-    return matrix;
-}
-
-// l.s of one f electron: <m' s'| l_z s_z + (l+ s- + l- s+)/2 |m s>.
-OneBodyOperator spinOrbitOperator() {
-    OneBodyOperator op;
-    for (int m = -3; m <= 3; ++m) {
-        op.push_back({spinOrbital(m, 1), spinOrbital(m, 1), 0.5 * m});
-        op.push_back({spinOrbital(m, -1), spinOrbital(m, -1), -0.5 * m});
-        if (m < 3) {  // l+ s-: |m, up> -> |m+1, down>; l- s+: |m+1, down> -> |m, up>
-            const double ladder = 0.5 * std::sqrt(12.0 - m * (m + 1.0));
-            op.push_back({spinOrbital(m + 1, -1), spinOrbital(m, 1), ladder});
-            op.push_back({spinOrbital(m, 1), spinOrbital(m + 1, -1), ladder});
-        }
-    }
-    return op;
-}
-
-// (U(k).U(k)) = sum_q (-1)^q U(k)_q U(k)_-q.
-Sparse unitScalar(int k, const DeterminantSpace& space) {
-    Sparse sum(space.size(), space.size());
-    for (int q = -k; q <= k; ++q) {
-        const Sparse product = oneBodyMatrix(unitTensorComponent(k, q), space) *
-                               oneBodyMatrix(unitTensorComponent(k, -q), space);
-        sum += ((q % 2 == 0) ? 1.0 : -1.0) * product;
-    }
-    return sum;
-}
 
 struct RandomParameters {
     double eavg, f[3], zeta, alpha, beta, gamma;
     std::vector<CrystalFieldRow> crystalField;
+    std::vector<CrystalFieldRow> spinCorrelated;   // c(k,q)
+    std::vector<CrystalFieldRow> orbitCorrelated;  // d(k,q)
 };
 
-RandomParameters randomParameters(unsigned seed, int fold, bool complex) {
+RandomParameters randomParameters(unsigned seed, int fold, bool complex, bool correlation = false) {
     std::mt19937 generator(seed);
     auto uniform = [&](double low, double high) { return std::uniform_real_distribution<double>(low, high)(generator); };
     RandomParameters p{uniform(-1000, 1000), {uniform(50000, 90000), uniform(35000, 65000), uniform(25000, 45000)},
-                       uniform(500, 2500), uniform(10, 25), uniform(-800, -400), uniform(600, 2000), {}};
+                       uniform(500, 2500), uniform(10, 25), uniform(-800, -400), uniform(600, 2000), {}, {}, {}};
     for (int k : {2, 4, 6})
         for (int q = 0; q <= k; q += fold) {
             const double re = uniform(-900, 900);
             const double im = (complex && q > 0) ? uniform(-600, 600) : 0.0;
             p.crystalField.push_back({k, q, {fmt::format("{}", re), re}, {fmt::format("{}", im), im}});
+        }
+    if (!correlation) return p;
+    for (int k : {2, 4, 6})
+        for (int q = 0; q <= k; q += fold) {
+            const double c = uniform(-300, 300), cIm = (complex && q > 0) ? uniform(-200, 200) : 0.0;
+            const double d = uniform(-40, 40), dIm = (complex && q > 0) ? uniform(-30, 30) : 0.0;
+            p.spinCorrelated.push_back(test::bkq(k, q, c, cIm));
+            p.orbitCorrelated.push_back(test::bkq(k, q, d, dIm));
         }
     return p;
 }
@@ -113,6 +82,9 @@ ParameterSet setOf(int n, const RandomParameters& p, int fold) {
     set.mainFreeIon = {row("EAVG", p.eavg), row("F2", p.f[0]), row("F4", p.f[1]), row("F6", p.f[2]), row("ZETA", p.zeta)};
     set.otherFreeIon = {row("ALPHA", p.alpha), row("BETA", p.beta), row("GAMMA", p.gamma)};
     set.crystalField = p.crystalField;
+    if (!p.spinCorrelated.empty()) set.correlationCF.push_back({CorrelationKind::Sccf, p.spinCorrelated});
+    if (!p.orbitCorrelated.empty()) set.correlationCF.push_back({CorrelationKind::Lccf, p.orbitCorrelated});
+    set.switches.correlationSections = !set.correlationCF.empty();
     return set;
 }
 
@@ -123,7 +95,7 @@ Eigen::VectorXd determinantEigenvalues(int n, const RandomParameters& p) {
     identity.setIdentity();
     std::array<Sparse, 7> scalar;
     for (int k = 1; k <= 6; ++k) scalar[k] = unitScalar(k, space);
-    Sparse real = p.eavg * identity + p.zeta * oneBodyMatrix(spinOrbitOperator(), space) +
+    Sparse real = p.eavg * identity + p.zeta * manyBody(test::spinOrbitMatrix(), space) +
                   p.alpha * 84.0 * scalar[1] + p.beta * 0.25 * (3.0 * scalar[1] + 11.0 * scalar[5]) +
                   p.gamma * 0.2 * (3.0 * scalar[1] + 7.0 * scalar[3] + 11.0 * scalar[5]);
     for (int i = 0; i < 3; ++i) {
@@ -132,19 +104,37 @@ Eigen::VectorXd determinantEigenvalues(int n, const RandomParameters& p) {
         real += p.f[i] * 0.5 * ck * ck * (scalar[k] - (n / 7.0) * identity);
     }
     Eigen::MatrixXcd hamiltonian = Eigen::MatrixXd(real).cast<std::complex<double>>();
-    for (const auto& row : p.crystalField) {
-        const double ck = ReducedCk2(6, 2 * row.k, 6);
-        const std::complex<double> b(row.re.value, row.im.value);
-        const Eigen::MatrixXd plus = Eigen::MatrixXd(oneBodyMatrix(unitTensorComponent(row.k, row.q), space));
-        hamiltonian += (ck * b) * plus.cast<std::complex<double>>();
-        if (row.q > 0) {
-            const Eigen::MatrixXd minus = Eigen::MatrixXd(oneBodyMatrix(unitTensorComponent(row.k, -row.q), space));
-            hamiltonian += (ck * ((row.q % 2 == 0) ? 1.0 : -1.0) * std::conj(b)) * minus.cast<std::complex<double>>();
+    // B(k,q) X_q + (-1)^q B(k,q)* X_-q for each row of an operator X.
+    auto addRows = [&](const std::vector<CrystalFieldRow>& rows, double normalisation(int), auto component) {
+        for (const auto& row : rows) {
+            const double ck = normalisation(row.k);
+            const std::complex<double> b(row.re.value, row.im.value);
+            const Eigen::MatrixXd plus = Eigen::MatrixXd(component(row.k, row.q));
+            hamiltonian += (ck * b) * plus.cast<std::complex<double>>();
+            if (row.q > 0) {
+                const Eigen::MatrixXd minus = Eigen::MatrixXd(component(row.k, -row.q));
+                hamiltonian += (ck * ((row.q % 2 == 0) ? 1.0 : -1.0) * std::conj(b)) * minus.cast<std::complex<double>>();
+            }
         }
-    }
+    };
+    addRows(p.crystalField, [](int k) { return ReducedCk2(6, 2 * k, 6); },
+            [&](int k, int q) { return manyBody(unitTensorMatrix14(k, q), space); });
+    addRows(p.spinCorrelated, [](int) { return 1.0; },
+            [&](int k, int q) { return test::spinCorrelatedComponent(k, q, space); });
+    addRows(p.orbitCorrelated, [](int) { return 1.0; },
+            [&](int k, int q) { return test::orbitCorrelatedComponent(k, q, space); });
     auto result = hermitianEigenvalues(std::move(hamiltonian));
     EXPECT_EQ(result.status, EigenStatus::Ok);
     return result.values;
+}
+
+// The engine takes the configuration average of every scalar operator off the
+// diagonal (EAVG is the barycentre); the determinant Hamiltonian does not. The
+// reference is therefore moved to the barycentre EAVG: every other operator is
+// traceless over the configuration, so the engine's spectrum must then match
+// without any free constant.
+Eigen::VectorXd atBarycentre(const Eigen::VectorXd& spectrum, double eavg) {
+    return spectrum.array() - spectrum.mean() + eavg;
 }
 
 void expectSameSpectrum(const Eigen::VectorXd& reference, const EnergyLevelResult& result, bool relative,
@@ -176,8 +166,28 @@ TEST(CrystalFieldDeterminants, RealAndComplexEnginesMatchTheDeterminantHamiltoni
         const auto result = computeEnergyLevels(set, tableDirectory(), log, {true, false, c.complex});
         const bool throughConjugate = c.n > 7 && !c.actualShell;
         EXPECT_EQ(result.conjugate, throughConjugate);
-        expectSameSpectrum(determinantEigenvalues(c.n, parameters), result, throughConjugate,
-                           fmt::format("f{} fold {} {}{}", c.n, c.fold, c.complex ? "complex" : "real",
+        expectSameSpectrum(atBarycentre(determinantEigenvalues(c.n, parameters), parameters.eavg), result,
+                           throughConjugate, fmt::format("f{} fold {} {}{}", c.n, c.fold, c.complex ? "complex" : "real",
+                                       c.actualShell ? " actual shell" : ""));
+    }
+}
+
+TEST(CrystalFieldDeterminants, CorrelationCrystalFieldsMatchTheDeterminantHamiltonian) {
+    // Spin- and L-correlated crystal fields with random c(k,q), d(k,q) on top of the free ion
+    // and B(k,q): f2 and f3 (every term pair of their term tables is reached at fold 1),
+    // f5 at fold 3, and f12 on both routes (the n > 7 sign rule: c and d keep their signs).
+    struct Case { int n; int fold; bool complex; bool actualShell; unsigned seed; };
+    for (const Case& c : {Case{2, 1, false, false, 21}, Case{2, 1, true, false, 22}, Case{3, 1, false, false, 23},
+                          Case{3, 1, true, false, 24}, Case{5, 3, true, false, 25}, Case{12, 1, true, false, 26},
+                          Case{12, 2, false, true, 27}}) {
+        const auto parameters = randomParameters(c.seed, c.fold, c.complex, true);
+        auto set = setOf(c.n, parameters, c.fold);
+        set.switches.actualShell = c.actualShell;
+        MemoryLogBook log;
+        const auto result = computeEnergyLevels(set, tableDirectory(), log, {true, false, c.complex});
+        const bool throughConjugate = c.n > 7 && !c.actualShell;
+        expectSameSpectrum(atBarycentre(determinantEigenvalues(c.n, parameters), parameters.eavg), result,
+                           throughConjugate, fmt::format("correlation f{} fold {} {}{}", c.n, c.fold, c.complex ? "complex" : "real",
                                        c.actualShell ? " actual shell" : ""));
     }
 }

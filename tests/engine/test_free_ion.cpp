@@ -4,9 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <fmt/format.h>
@@ -98,27 +100,57 @@ TEST(FreeIonComponents, SpinOrbitClosedForms) {
     }
 }
 
-TEST(FreeIonComponents, CasimirAndOrbitalDiagonals) {
-    // physics notes 2.4: f1 2F: G(R7) = 3/5, G(G2) = 1/2; f3 4S: G(R7) = 6/5, G(G2) = 0;
-    // L(L+1): 2F 12, 3H 30, 4S 0.
-    struct Case { int n; const char* label; int twiceJ; double alpha, beta, gamma; };
-    for (const Case& c : {Case{1, "2F", 5, 12.0, 0.5, 0.6}, Case{3, "4S", 3, 0.0, 0.0, 1.2},
-                         Case{2, "3H", 8, 30.0, 1.0, 1.0}}) {
-        const auto& tables = tablesOf(c.n);
-        const auto operators = buildFreeIonOperators(tables);
+TEST(FreeIonComponents, CasimirAndOrbitalDiagonalsRelativeToTheBarycentre) {
+    // Physics notes 2.2/2.4 closed forms for f2, taken relative to 1S (W = (000), U = (00): all zero):
+    // 3H (110)(11): L(L+1) 30, G(G2) 1, G(R7) 1; 3P (110)(11): 2, 1, 1; 3F (110)(10): 12, 1/2, 1;
+    // 1I (200)(20): 42, 7/6, 7/5.
+    // The components are barycentred, so only differences within a configuration are fixed.
+    struct Case { const char* label; int twiceJ; double alpha, beta, gamma; };
+    const auto& tables = tablesOf(2);
+    const auto operators = buildFreeIonOperators(tables);
+    const int reference = stateOf(tables, operators.basis, "1S", 0);
+    ASSERT_GE(reference, 0);
+    for (const Case& c : {Case{"3H", 8, 30.0, 1.0, 1.0}, Case{"3P", 2, 2.0, 1.0, 1.0}, Case{"3F", 4, 12.0, 0.5, 1.0},
+                         Case{"1I", 12, 42.0, 7.0 / 6.0, 1.4}}) {
         const int state = stateOf(tables, operators.basis, c.label, c.twiceJ);
         ASSERT_GE(state, 0) << c.label;
-        EXPECT_NEAR(diagonal(operators, "ALPHA", state), c.alpha, 1e-12) << c.label;
-        EXPECT_NEAR(diagonal(operators, "BETA", state), c.beta, 1e-12) << c.label;
-        EXPECT_NEAR(diagonal(operators, "GAMMA", state), c.gamma, 1e-12) << c.label;
+        for (const auto& [name, expected] : {std::pair{"ALPHA", c.alpha}, {"BETA", c.beta}, {"GAMMA", c.gamma}})
+            EXPECT_NEAR(diagonal(operators, name, state) - diagonal(operators, name, reference), expected, 1e-12)
+                << c.label << " " << name;
         EXPECT_NEAR(diagonal(operators, "EAVG", state), 1.0, 0.0) << c.label;
+    }
+    // f1 has the single term 2F: every barycentred scalar is 0 there.
+    const auto& single = tablesOf(1);
+    const auto f1 = buildFreeIonOperators(single);
+    for (const char* name : {"ALPHA", "BETA", "GAMMA", "F2", "F4", "F6"})
+        EXPECT_NEAR(diagonal(f1, name, 0), 0.0, 1e-12) << name;
+}
+
+TEST(FreeIonComponents, ScalarComponentsAreTracelessOverTheConfiguration) {
+    // Published free-ion parameter sets use barycentred operators, so EAVG is the
+    // configuration barycentre: the (2J+1)-weighted trace of every other component is 0.
+    for (int n : {2, 3, 5}) {
+        const auto& tables = tablesOf(n);
+        const auto operators = buildFreeIonOperators(tables);
+        for (const auto& component : operators.components) {
+            if (component.name == "EAVG") continue;
+            double trace = 0.0, scale = 0.0;
+            for (std::size_t b = 0; b < component.blocks.size(); ++b) {
+                trace += (operators.basis.blocks[b].twiceJ + 1) * component.blocks[b].trace();
+                scale += (operators.basis.blocks[b].twiceJ + 1) * component.blocks[b].cwiseAbs().trace();
+            }
+            EXPECT_NEAR(trace, 0.0, 1e-10 * std::max(1.0, scale)) << "f" << n << " " << component.name;
+        }
     }
 }
 
 TEST(FreeIonComponents, CoulombTermEnergiesOfF2) {
     // physics notes 5.2 (computed, verified against determinants): f2 term energies as
-    // coefficients of F_2, F_4, F_6, i.e. D_k f_k, after the F_0 term.
+    // coefficients of F_2, F_4, F_6, i.e. D_k f_k, after the F_0 term; the components are
+    // barycentred with the configuration averages of physics notes 5.3:
+    // <f_2> = -4/195, <f_4> = -2/143, <f_6> = -100/5577 for f2.
     const double D[3] = {225.0, 1089.0, 184041.0 / 25.0};
+    const double average[3] = {-4.0 / 195.0, -2.0 / 143.0, -100.0 / 5577.0};
     struct Case { const char* label; int twiceJ; double c2, c4, c6; };
     const auto& tables = tablesOf(2);
     const auto operators = buildFreeIonOperators(tables);
@@ -127,9 +159,9 @@ TEST(FreeIonComponents, CoulombTermEnergiesOfF2) {
                          Case{"1I", 12, 25, 9, 1}}) {
         const int state = stateOf(tables, operators.basis, c.label, c.twiceJ);
         ASSERT_GE(state, 0) << c.label;
-        EXPECT_NEAR(D[0] * diagonal(operators, "F2", state), c.c2, 1e-9) << c.label;
-        EXPECT_NEAR(D[1] * diagonal(operators, "F4", state), c.c4, 1e-9) << c.label;
-        EXPECT_NEAR(D[2] * diagonal(operators, "F6", state), c.c6, 1e-8) << c.label;
+        EXPECT_NEAR(D[0] * (diagonal(operators, "F2", state) + average[0]), c.c2, 1e-9) << c.label;
+        EXPECT_NEAR(D[1] * (diagonal(operators, "F4", state) + average[1]), c.c4, 1e-9) << c.label;
+        EXPECT_NEAR(D[2] * (diagonal(operators, "F6", state) + average[2]), c.c6, 1e-8) << c.label;
     }
 }
 
@@ -196,12 +228,39 @@ TEST(FreeIonLevels, RacahFormReproducesTheSameLevelSpacings) {
                  "Racah E^k form");
 }
 
-TEST(FreeIonLevels, ReportsParametersWhoseOperatorsAreNotBuiltYet) {
-    auto set = freeIonSet(2, 68878, 50347, 32901, 751.7, {row("M0", 2.08), row("P2", -88.6), row("T2", 0)});
+// Pr3+ with the magnetic parameters of physics notes 14.4 (M^4 = 0.31 M^0 = 0.6448 there, written explicitly).
+std::vector<FreeIonRow> praseodymiumMagneticRows() {
+    return {row("ALPHA", 16.23), row("BETA", -566.6), row("GAMMA", 1371), row("M0", 2.08), row("M2", 1.1648),
+            row("M4", 0.6448), row("P2", -88.6), row("P4", -44.3), row("P6", -8.86)};
+}
+
+TEST(FreeIonLevels, PraseodymiumWithSpinOtherOrbitAndCorrelatedSpinOrbit) {
+    // physics notes 14.4, third bullet: + M^k, P^k (SOO + ECSO, no spin-spin: "/noss").
+    auto set = freeIonSet(2, 68878, 50347, 32901, 751.7, praseodymiumMagneticRows());
+    set.switches.noSpinSpin = true;
+    expectLevels(set,
+                 {{10, 2085.63}, {12, 4257.10}, {4, 4895.09}, {6, 6284.45}, {8, 6718.46}, {8, 9732.51},
+                  {4, 16812.60}, {0, 20653.59}, {2, 21274.11}, {12, 21299.36}, {4, 22467.00}, {0, 46699.13}},
+                 "+ M^k, P^k without spin-spin");
+}
+
+TEST(FreeIonLevels, PraseodymiumWithSpinSpinAsWell) {
+    // physics notes 14.4, fourth bullet: the same with the rank-2 spin-spin part of M^k.
+    expectLevels(freeIonSet(2, 68878, 50347, 32901, 751.7, praseodymiumMagneticRows()),
+                 {{10, 2091.52}, {12, 4258.05}, {4, 4895.03}, {6, 6289.76}, {8, 6720.08}, {8, 9734.45},
+                  {4, 16814.78}, {0, 20632.66}, {2, 21288.18}, {12, 21301.68}, {4, 22467.09}, {0, 46701.20}},
+                 "+ M^k, P^k with spin-spin");
+}
+
+TEST(FreeIonLevels, EveryNamedParameterHasItsOperator) {
+    auto set = freeIonSet(3, 73018, 52789, 35757, 885.3,
+                          {row("T2", 298), row("T2'", 10), row("T3", 35), row("T8", 305), row("M0", 2.11), row("P2", 192)});
     MemoryLogBook log;
     const auto result = computeEnergyLevels(set, tableDirectory(), log, {false, false});
-    // M0 -> M2 = 0.56 M0 and M4 = 0.38 M0 by default; P2 -> P4, P6 by default; T2 = 0 is not listed.
-    EXPECT_EQ(result.parametersNotIncluded, (std::vector<std::string>{"M0", "M2", "M4", "P2", "P4", "P6"}));
+    EXPECT_TRUE(result.parametersNotIncluded.empty());
+    for (const auto& line : log.lines()) EXPECT_EQ(line.find("Parameters not included"), std::string::npos) << line;
+    for (const char* name : {"T2", "T2'", "T3", "T4", "T6", "T7", "T8", "M0", "M2", "M4", "P2", "P4", "P6"})
+        EXPECT_NE(findComponent(result.freeIonOperators, name), nullptr) << name;
 }
 
 }  // namespace

@@ -1,0 +1,187 @@
+// Electrostatic parameters for the orthogonalised operators: the operators are
+// traceless and mutually orthogonal over the |SLJM> states, and the converted
+// parameters give the same Hamiltonian up to a constant.
+#include "engine/orthogonal_electrostatic.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "core/asker.hpp"
+#include "core/log_book.hpp"
+#include "engine/parameter_file.hpp"
+#include "tables/term_generator.hpp"
+#include "tests/support/reference_data.hpp"
+
+namespace orvane {
+namespace {
+
+const EngineTables& tablesOf(int n) {
+    static const auto generated = generateConfigurations(7);
+    static std::map<int, EngineTables> cache;
+    auto found = cache.find(n);
+    if (found == cache.end())
+        found = cache.emplace(n, engineTablesFrom(computeConfigurationTables(n, generated))).first;
+    return found->second;
+}
+
+int termIndex(const EngineTables& tables, const std::string& label) {
+    for (std::size_t i = 0; i < tables.terms.size(); ++i)
+        if (tables.terms[i].label == label) return static_cast<int>(i);
+    ADD_FAILURE() << "no term " << label;
+    return 0;
+}
+
+Eigen::MatrixXd hamiltonian(const ElectrostaticOperators& operators, const ElectrostaticParameters& p) {
+    Eigen::MatrixXd h = Eigen::MatrixXd::Zero(operators[0].rows(), operators[0].cols());
+    for (std::size_t i = 0; i < operators.size(); ++i) h += p[i] * operators[i];
+    return h;
+}
+
+// Largest deviation of a - b from a multiple of the identity.
+double deviationFromConstant(const Eigen::MatrixXd& a, const Eigen::MatrixXd& b) {
+    const Eigen::MatrixXd d = a - b;
+    const double shift = d(0, 0);
+    return (d - shift * Eigen::MatrixXd::Identity(d.rows(), d.cols())).cwiseAbs().maxCoeff();
+}
+
+ParameterSet exampleSet(const std::string& name) {
+    return readParameterFile(test::sourceDirectory() / "examples" / name);
+}
+
+TEST(ElectrostaticOperators, F2TermValues) {
+    // physics notes 5.2 (f2, Racah e_k checked against determinants): coefficients of E^1, E^2, E^3.
+    struct Row {
+        const char* term;
+        double e1, e2, e3;
+        int l;
+    };
+    const Row rows[] = {{"3P", 0, 0, 33, 1},   {"3F", 0, 0, 0, 3},    {"3H", 0, 0, -9, 5},  {"1S", 9, 0, 0, 0},
+                        {"1D", 2, 286, -11, 2}, {"1G", 2, -260, -4, 4}, {"1I", 2, 70, 7, 6}};
+    const auto& tables = tablesOf(2);
+    const auto operators = electrostaticOperators(tables);
+    for (const Row& r : rows) {
+        const int i = termIndex(tables, r.term);
+        EXPECT_NEAR(operators[0](i, i), r.e1, 1e-9) << r.term;
+        EXPECT_NEAR(operators[1](i, i), r.e2, 1e-9) << r.term;
+        EXPECT_NEAR(operators[2](i, i), r.e3, 1e-9) << r.term;
+        EXPECT_NEAR(operators[3](i, i), r.l * (r.l + 1.0), 1e-12) << r.term;
+    }
+    // f2 1D: U = (20), W = (200) (physics notes 2.2 / reference README 1.5):
+    // G(G2) = (u1^2 + u1 u2 + u2^2 + 5 u1 + 4 u2)/12 = 14/12, G(R7) = [w1(w1+5) + ...]/10 = 14/10.
+    const int d = termIndex(tables, "1D");
+    EXPECT_NEAR(operators[4](d, d), 14.0 / 12.0, 1e-12);
+    EXPECT_NEAR(operators[5](d, d), 1.4, 1e-12);
+}
+
+TEST(OrthogonalElectrostatic, TracelessAndOrthogonalOverTheStates) {
+    for (int n : {2, 3, 4, 7, 11}) {
+        SCOPED_TRACE("f" + std::to_string(n));
+        const auto& tables = tablesOf(n);
+        const auto set = orthogonaliseElectrostatic(tables);
+        const int T = static_cast<int>(tables.terms.size());
+        const Eigen::MatrixXd identity = Eigen::MatrixXd::Identity(T, T);
+        for (int i = 0; i < kElectrostaticOperatorCount; ++i) {
+            const auto& oi = set.orthogonal[static_cast<std::size_t>(i)];
+            const double normI = stateSpaceTrace(tables.terms, oi, oi);
+            EXPECT_GT(normI, 0.0) << "o" << i + 1 << " vanished";
+            EXPECT_NEAR(stateSpaceTrace(tables.terms, oi, identity) / std::sqrt(normI), 0.0, 1e-9) << "o" << i + 1;
+            for (int j = 0; j < i; ++j) {
+                const auto& oj = set.orthogonal[static_cast<std::size_t>(j)];
+                const double cosine = stateSpaceTrace(tables.terms, oi, oj) /
+                                      std::sqrt(normI * stateSpaceTrace(tables.terms, oj, oj));
+                EXPECT_NEAR(cosine, 0.0, 1e-10) << "o" << i + 1 << " o" << j + 1;
+            }
+        }
+        // Order e1, e2, e3 first: e2 and e3 are traceless and orthogonal to e1
+        // (physics notes 5.4), so they come through unchanged.
+        const auto operators = electrostaticOperators(tables);
+        EXPECT_LT((set.orthogonal[1] - operators[1]).cwiseAbs().maxCoeff(), 1e-9);
+        EXPECT_LT((set.orthogonal[2] - operators[2]).cwiseAbs().maxCoeff(), 1e-9);
+        // L(L+1) is not orthogonal to the e_k: its orthogonal part differs.
+        EXPECT_GT(deviationFromConstant(set.orthogonal[3], operators[3]), 1e-3);
+    }
+}
+
+TEST(OrthogonalElectrostatic, SameHamiltonianUpToAConstant) {
+    // Carnall, Goodman, Rajnak & Rana (1989), Table I: Pr3+ (f2) and Nd3+ (f3) in LaF3.
+    for (const auto& [name, n] : std::vector<std::pair<std::string, int>>{{"Pr3plus-LaF3.par", 2},
+                                                                          {"Nd3plus-LaF3.par", 3}}) {
+        SCOPED_TRACE(name);
+        const ParameterSet set = exampleSet(name);
+        ASSERT_EQ(set.electronCount, n);
+        const auto& tables = tablesOf(n);
+        const auto original = electrostaticParametersOf(set);
+        const auto orthogonal = orthogonaliseElectrostatic(tables);
+        const auto converted = orthogonalParameters(orthogonal, original);
+        const Eigen::MatrixXd h = hamiltonian(electrostaticOperators(tables), original);
+        const Eigen::MatrixXd hOrthogonal = hamiltonian(orthogonal.orthogonal, converted);
+        EXPECT_LT(deviationFromConstant(h, hOrthogonal), 1e-7);
+        // Eigenvalue differences (term energies relative to the lowest) agree.
+        Eigen::SelfAdjointEigenSolver<Eigen::MatrixXd> a(h), b(hOrthogonal);
+        const Eigen::VectorXd ea = a.eigenvalues().array() - a.eigenvalues()[0];
+        const Eigen::VectorXd eb = b.eigenvalues().array() - b.eigenvalues()[0];
+        EXPECT_LT((ea - eb).cwiseAbs().maxCoeff(), 1e-7);
+        // The parameters of the e_k change (alpha, beta, gamma overlap them);
+        // taking the old values for the orthogonal operators gives a different spectrum.
+        EXPECT_GT(deviationFromConstant(h, hamiltonian(orthogonal.orthogonal, original)), 1.0);
+        // gamma G(R7) is last: its parameter is unchanged.
+        EXPECT_NEAR(converted[5], original[5], 1e-9);
+    }
+}
+
+TEST(OrthogonalElectrostatic, ParametersOfTheFileInRacahForm) {
+    // Pr3+:LaF3 (Carnall et al. 1989) F^2, F^4, F^6 = 68878, 50347, 32901 in Racah form
+    // (physics notes 5.1): F_k = F^k / (225, 1089, 184041/25), then E^1..E^3.
+    const auto p = electrostaticParametersOf(exampleSet("Pr3plus-LaF3.par"));
+    const double f2 = 68878.0 / 225.0, f4 = 50347.0 / 1089.0, f6 = 32901.0 * 25.0 / 184041.0;
+    EXPECT_NEAR(p[0], (70 * f2 + 231 * f4 + 2002 * f6) / 9.0, 1e-6);
+    EXPECT_NEAR(p[1], (f2 - 3 * f4 + 7 * f6) / 9.0, 1e-9);
+    EXPECT_NEAR(p[2], (5 * f2 + 6 * f4 - 91 * f6) / 3.0, 1e-8);
+    EXPECT_EQ(p[3], 16.23);
+    EXPECT_EQ(p[4], -566.6);
+    EXPECT_EQ(p[5], 1371.0);
+}
+
+TEST(OrthogonalElectrostatic, EditorCommandLogsAndAdoptsOnYes) {
+    const ParameterSet original = exampleSet("Nd3plus-LaF3.par");
+    const auto expected = orthogonalParameters(orthogonaliseElectrostatic(tablesOf(3)),
+                                               electrostaticParametersOf(original));
+    for (const bool adopt : {false, true}) {
+        SCOPED_TRACE(adopt ? "Yes" : "No");
+        ParameterSet set = original;
+        ScriptedAsker asker({}, {adopt ? Choice::Yes : Choice::No});
+        MemoryLogBook log;
+        EXPECT_EQ(convertToOrthogonalElectrostaticAsking(set, tablesOf(3), asker, log), adopt);
+        const auto& lines = log.lines();
+        ASSERT_EQ(lines.size(), 9u);
+        EXPECT_EQ(lines[0], "Conversion of two-particle electrostatic interaction parameters for the orthogonalised operators:");
+        EXPECT_EQ(lines[1].rfind("E1 = ", 0), 0u);
+        EXPECT_EQ(lines[6].rfind("GAMMA = ", 0), 0u);
+        EXPECT_EQ(lines[7], "Two-particle electrostatic interaction parameters for the orthogonalised operators have been "
+                            "converted into the Logbook.");
+        EXPECT_EQ(lines[8], "Warning - They are not suitable input parameters for this package!");
+        ASSERT_EQ(asker.messages().size(), 1u);
+        EXPECT_NE(asker.messages()[0].find("Adopt them into this input form?"), std::string::npos);
+        if (!adopt) {
+            EXPECT_EQ(set, original);
+            continue;
+        }
+        EXPECT_EQ(set.slaterType, SlaterType::RacahE);
+        EXPECT_EQ(set.mainFreeIon[1].name, "E1");
+        EXPECT_EQ(set.mainFreeIon[3].name, "E3");
+        const auto adopted = electrostaticParametersOf(set);
+        for (int i = 0; i < kElectrostaticOperatorCount; ++i)
+            EXPECT_NEAR(adopted[static_cast<std::size_t>(i)], expected[static_cast<std::size_t>(i)],
+                        1e-6 * std::max(1.0, std::abs(expected[static_cast<std::size_t>(i)])))
+                << kElectrostaticParameterNames[static_cast<std::size_t>(i)];
+        EXPECT_EQ(set.otherFreeIon.size(), original.otherFreeIon.size());  // rows replaced, none added
+    }
+}
+
+}  // namespace
+}  // namespace orvane
