@@ -66,7 +66,11 @@ Eigen::MatrixXd lCorrelatedTable(const EngineTables& tables, int n, int k, const
     const auto source = ensureConfigurationTables(n, directory, log);
     requireSameTerms(source, n, tables);
     auto path = tableIn(source, n, tableFileName(TableOperator::Lccf, k));
-    if (!path) path = BuildLccfTable(n, k, source, log);
+    if (!path) {
+        // The table is built from the parentage of f^n, which names the terms of f^(n-1).
+        if (n > 1) ensureConfigurationTables(n - 1, source, log);
+        path = BuildLccfTable(n, k, source, log);
+    }
     return readTermTable(*path, tables.terms);
 }
 
