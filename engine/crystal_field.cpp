@@ -325,21 +325,30 @@ CrystalFieldSolution solveRealCrystalField(const CrystalFieldOperators& operator
     });
 }
 
+Eigen::MatrixXcd complexBlockMatrix(const CrystalFieldOperators& operators, std::size_t b,
+                                    const std::vector<double>& freeIonEnergies,
+                                    const std::vector<double>& realParameters,
+                                    const std::vector<double>& imaginaryParameters) {
+    const Eigen::MatrixXd realMatrix = realBlockMatrix(operators, b, freeIonEnergies, realParameters);
+    const auto size = realMatrix.rows();
+    Eigen::MatrixXd imaginaryMatrix = Eigen::MatrixXd::Zero(size, size);
+    for (std::size_t key = 0; key < operators.keys.size(); ++key)
+        if (imaginaryParameters[key] != 0.0)
+            imaginaryMatrix += imaginaryParameters[key] * operators.imaginaryPart[key][b];
+    Eigen::MatrixXcd matrix(size, size);
+    matrix.real() = realMatrix;
+    matrix.imag() = imaginaryMatrix;
+    return matrix;
+}
+
 CrystalFieldSolution solveComplexCrystalField(const CrystalFieldOperators& operators,
                                               const std::vector<double>& freeIonEnergies,
                                               const std::vector<double>& realParameters,
                                               const std::vector<double>& imaginaryParameters, bool wantVectors,
                                               int lowest) {
     return solveBlocks(operators, wantVectors, lowest, [&](std::size_t b) {
-        const Eigen::MatrixXd realMatrix = realBlockMatrix(operators, b, freeIonEnergies, realParameters);
-        const auto size = realMatrix.rows();
-        Eigen::MatrixXd imaginaryMatrix = Eigen::MatrixXd::Zero(size, size);
-        for (std::size_t key = 0; key < operators.keys.size(); ++key)
-            if (imaginaryParameters[key] != 0.0)
-                imaginaryMatrix += imaginaryParameters[key] * operators.imaginaryPart[key][b];
-        Eigen::MatrixXcd matrix(size, size);
-        matrix.real() = realMatrix;
-        matrix.imag() = imaginaryMatrix;
+        Eigen::MatrixXcd matrix =
+            complexBlockMatrix(operators, b, freeIonEnergies, realParameters, imaginaryParameters);
         return wantVectors ? hermitianEigenpairs(std::move(matrix), lowest)
                            : hermitianEigenvalues(std::move(matrix), lowest);
     });

@@ -131,6 +131,14 @@ CrystalFieldSolution solveComplexCrystalField(const CrystalFieldOperators& opera
                                               const std::vector<double>& imaginaryParameters, bool wantVectors,
                                               int lowest = kAllEigenvalues);
 
+// The Hermitian matrix of block b that the complex engine diagonalises:
+// free-ion energies on the diagonal plus Re B(k,q) x real component + i Im B(k,q) x A
+// (also used to list the blocks for "/printhm").
+Eigen::MatrixXcd complexBlockMatrix(const CrystalFieldOperators& operators, std::size_t b,
+                                    const std::vector<double>& freeIonEnergies,
+                                    const std::vector<double>& realParameters,
+                                    const std::vector<double>& imaginaryParameters);
+
 // The time-reversal partner of block b among the blocks before it (Kramers
 // ions only), or -1.
 int earlierTimeReversalPartner(const CrystalFieldOperators& operators, std::size_t b);

@@ -103,7 +103,9 @@ EnergyLevelResult computeEnergyLevels(const ParameterSet& set, const std::filesy
     log.appendLine("Storing transformed reduced matrix elements");
     const auto correlationTables =
         loadCorrelationTermTensors(result.crystalFieldKeys, tables, n, tableDirectory, log);
-    const auto tensors = transformTensors(tables, result.freeIonOperators, result.freeIon, correlationTables);
+    result.crystalFieldTensors =
+        transformTensors(tables, result.freeIonOperators, result.freeIon, correlationTables);
+    const auto& tensors = result.crystalFieldTensors;
     log.appendLine(fmt::format("Fold of symmetry = {}", set.fold));
     if (set.switches.cubicCF) log.appendLine("Cubic Crystal Field assumed!");
     result.crystalFieldOperators =
@@ -114,6 +116,12 @@ EnergyLevelResult computeEnergyLevels(const ParameterSet& set, const std::filesy
                        std::to_string(block.states.size()));
     std::vector<double> freeIonEnergies;
     for (const auto& level : result.freeIon.levels) freeIonEnergies.push_back(level.energy);
+    if (options.complex && set.switches.printHamiltonian)
+        for (std::size_t b = 0; b < result.crystalFieldOperators.blocks.size(); ++b)
+            for (const auto& line : complexHamiltonianPrintoutLines(
+                     complexBlockMatrix(result.crystalFieldOperators, b, freeIonEnergies,
+                                        result.crystalFieldValues, result.crystalFieldImaginary)))
+                log.appendLine(line);
     result.crystalField =
         options.complex ? solveComplexCrystalField(result.crystalFieldOperators, freeIonEnergies,
                                                    result.crystalFieldValues, result.crystalFieldImaginary,

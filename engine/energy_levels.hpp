@@ -47,6 +47,7 @@ struct EnergyLevelResult {
     std::vector<CrystalFieldKey> crystalFieldKeys;
     std::vector<double> crystalFieldValues;      // Re B(k,q) as applied, one per key
     std::vector<double> crystalFieldImaginary;   // Im B(k,q) as applied (all 0 for the real engine)
+    TransformedTensors crystalFieldTensors;  // U(k) and correlation tensors between free-ion levels
     CrystalFieldOperators crystalFieldOperators;
     CrystalFieldSolution crystalField;       // empty when the crystal field was not asked
     std::vector<std::string> parametersNotIncluded;

@@ -173,13 +173,17 @@ void writeLevelTable(LogBook& out, const std::vector<ResultLevel>& levels, int f
 
 void writeMultipletElements(LogBook& out, const std::vector<MultipletElements>& elements,
                             const std::vector<ResultLevel>& freeIonLevels) {
-    out.appendLine("J-multiplet       <||C(2)||>  <||C(4)||>  <||C(6)||>");
+    std::string heading = "J-multiplet       <||C(2)||>  <||C(4)||>  <||C(6)||>";
+    if (!elements.empty())
+        for (const auto& column : elements.front().correlation) heading += " " + column.label;
+    out.appendLine(heading);
     for (const auto& entry : elements) {
         std::string label = entry.level < static_cast<int>(freeIonLevels.size()) ? freeIonLevels[entry.level].label
                                                                                  : formatTwiceJ(entry.twiceJ);
         label.resize(std::max<std::size_t>(label.size(), 14), ' ');
         std::string line = formatNumber(entry.level + 1, "###") + " " + label;
         for (double value : entry.reducedCk) line += "  " + formatNumber(value, "###0.00000");
+        for (const auto& column : entry.correlation) line += "  " + formatNumber(column.value, "###0.00000");
         out.appendLine(line);
     }
 }

@@ -63,6 +63,8 @@ std::vector<DegenerateGroup> degenerateGroups(const std::vector<ResultLevel>& le
 // "*No. (State) [Eigen]  Label SLJ  mu/IR  Splitting  deg.": one line per degenerate level.
 void writeLevelTable(LogBook& out, const std::vector<ResultLevel>& levels, int fold, double shift);
 
+// "J-multiplet       <||C(2)||>  <||C(4)||>  <||C(6)||>" and the correlation
+// columns (" <||VS(2)||>" ...) when present; values "###0.00000".
 void writeMultipletElements(LogBook& out, const std::vector<MultipletElements>& elements,
                             const std::vector<ResultLevel>& freeIonLevels);
 

@@ -22,4 +22,18 @@ namespace orvane {
 // `blocks` as freeIonHamiltonian returns them (one matrix per J block of `basis`).
 std::vector<std::string> hamiltonianPrintoutLines(const JBasis& basis, const std::vector<Eigen::MatrixXd>& blocks);
 
+// A Hermitian block H as one real square array: Re H(i,j) on and above the
+// diagonal (j >= i), Im H(i,j) below it (j < i; Im H(j,i) = -Im H(i,j)).
+Eigen::MatrixXd packedHermitianArray(const Eigen::MatrixXcd& matrix);
+
+// The complex engine's "/printhm" listing of one crystal-field block (rows and
+// columns numbered within the block, each row printed in full from column 1):
+//   ### Complex Hamiltonian matrix elements (real/imaginary ones at upper/lower diagonal) of dim = 4
+//   Hamiltonian matrix row = 1 (first element for column=1)
+//      ...                       (packedHermitianArray, "#######0.0000", eight a line)
+//   ### End of Hamiltonian matrix elements ###
+// The heading's words "real/imaginary" and "ones at upper/lower diagonal" are
+// joined into one phrase; the closing line is the real listing's.
+std::vector<std::string> complexHamiltonianPrintoutLines(const Eigen::MatrixXcd& block);
+
 }  // namespace orvane

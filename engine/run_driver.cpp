@@ -31,6 +31,7 @@ constexpr const char* kMainError = "Error in Main";
 constexpr const char* kTableBuildError = "Error in building tables";
 constexpr const char* kTransformedLine = "Storing transformed reduced matrix elements";
 constexpr const char* kMatrixStart = "### Hamiltonian matrix elements of dim = ";
+constexpr const char* kComplexMatrixStart = "### Complex Hamiltonian matrix elements ";
 constexpr const char* kMatrixEnd = "### End of Hamiltonian matrix elements ###";
 
 class NullLogBook final : public LogBook {
@@ -143,7 +144,7 @@ void replayEngineLog(const std::vector<std::string>& lines, LogBook& progress, L
             for (const auto& storing : freeIonStoring) progress.appendLine(storing);
             storingWritten = true;
         }
-        if (line.rfind(kMatrixStart, 0) == 0) inMatrix = true;
+        if (line.rfind(kMatrixStart, 0) == 0 || line.rfind(kComplexMatrixStart, 0) == 0) inMatrix = true;
         (inMatrix ? general : progress).appendLine(line);
         if (line.rfind(kMatrixEnd, 0) == 0) inMatrix = false;
     }
@@ -266,7 +267,7 @@ RunOutcome runEngine(int mode, std::filesystem::path parameterFile, RunRequest r
                           request.eigenvectorsToStore, shift);
         writeStateLabels(general, finalBasis);
         writeLevelTable(general, outcome.levels, set.fold, shift);
-        const auto tensors = transformTensors(tables, result.freeIonOperators, result.freeIon);
+        const auto& tensors = result.crystalFieldTensors;
         writeMultipletElements(general, multipletCrystalFieldElements(tensors, result.conjugate), freeIonLevels);
         const auto invariants = appliedInvariants(result);
         writeInvariants(general, invariants);
