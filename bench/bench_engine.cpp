@@ -24,6 +24,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include "bench/benchmark_ions.hpp"
+
 #include "core/eigen_solver.hpp"
 #include "core/log_book.hpp"
 #include "engine/energy_levels.hpp"
@@ -37,21 +39,9 @@ std::filesystem::path benchTableDirectory() {
     return std::filesystem::current_path() / "bench-engine-rme";
 }
 
-FreeIonRow row(const std::string& name, double value) { return {name, {std::to_string(value), value}}; }
-CrystalFieldRow bkq(int k, int q, double re, double im = 0.0) {
-    return {k, q, {std::to_string(re), re}, {std::to_string(im), im}};
-}
-
-ParameterSet gadolinium() {
-    ParameterSet set;
-    set.electronCount = 7;
-    set.fold = 3;
-    set.mainFreeIon = {row("EAVG", 0), row("F2", 84000), row("F4", 61000), row("F6", 44000), row("ZETA", 1500)};
-    set.otherFreeIon = {row("ALPHA", 18), row("BETA", -600), row("GAMMA", 1500)};
-    set.crystalField = {bkq(2, 0, -300), bkq(4, 0, 500), bkq(4, 3, 400), bkq(6, 0, 600), bkq(6, 3, -300),
-                        bkq(6, 6, 350)};
-    return set;
-}
+using bench::bkq;
+using bench::gadolinium;
+using bench::row;
 
 ParameterSet erbium() {
     ParameterSet set;

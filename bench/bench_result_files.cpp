@@ -14,6 +14,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include "bench/benchmark_ions.hpp"
+
 #include "core/asker.hpp"
 #include "core/atomic_file.hpp"
 #include "core/log_book.hpp"
@@ -40,20 +42,9 @@ std::filesystem::path benchOutputDirectory() {
     return dir;
 }
 
-FreeIonRow row(const std::string& name, double value) { return {name, {std::to_string(value), value}}; }
-CrystalFieldRow bkq(int k, int q, double re) { return {k, q, {std::to_string(re), re}, {"0", 0.0}}; }
-
-ParameterSet gadolinium() {
-    ParameterSet set;
-    set.title = "Gd3+ benchmark";
-    set.electronCount = 7;
-    set.fold = 3;
-    set.mainFreeIon = {row("EAVG", 0), row("F2", 84000), row("F4", 61000), row("F6", 44000), row("ZETA", 1500)};
-    set.otherFreeIon = {row("ALPHA", 18), row("BETA", -600), row("GAMMA", 1500)};
-    set.crystalField = {bkq(2, 0, -300), bkq(4, 0, 500), bkq(4, 3, 400), bkq(6, 0, 600), bkq(6, 3, -300),
-                        bkq(6, 6, 350)};
-    return set;
-}
+using bench::bkq;
+using bench::gadolinium;
+using bench::row;
 
 struct Prepared {
     EnergyLevelResult result;

@@ -98,22 +98,26 @@ namespace {
 // of free-ion levels with the same J values.
 class ComponentFactorCache {
 public:
-    ComponentFactorCache(int k, int q, double normalisation)
-        : k_(k), q_(q), normalisation_(normalisation), values_(kSide * kSide * kSide, kUnknown) {}
+    // Sized for the largest 2J of the block, so that building one costs little
+    // next to the block itself.
+    ComponentFactorCache(int k, int q, double normalisation, int maxTwiceJ)
+        : k_(k), q_(q), normalisation_(normalisation), side_(maxTwiceJ + 1), mSpan_(2 * maxTwiceJ + 1),
+          values_(static_cast<std::size_t>(side_) * mSpan_ * side_, kUnknown) {}
     double operator()(int twiceJ, int twiceM, int twiceJp, int twiceMp) {
         if (twiceMp - twiceM + 2 * q_ != 0) return 0.0;
-        if (twiceJ >= kSide || twiceJp >= kSide || std::abs(twiceM) >= kSide / 2)
+        const int mIndex = twiceM + side_ - 1;
+        if (twiceJ >= side_ || twiceJp >= side_ || mIndex < 0 || mIndex >= mSpan_)
             return tensorComponentFactor(twiceJ, twiceM, k_, q_, twiceJp, twiceMp, normalisation_);
-        double& slot = values_[(twiceJ * kSide + twiceM + kSide / 2) * kSide + twiceJp];
+        double& slot = values_[(static_cast<std::size_t>(twiceJ) * mSpan_ + mIndex) * side_ + twiceJp];
         if (std::isnan(slot)) slot = tensorComponentFactor(twiceJ, twiceM, k_, q_, twiceJp, twiceMp, normalisation_);
         return slot;
     }
 
 private:
-    static constexpr int kSide = 64;
     static constexpr double kUnknown = std::numeric_limits<double>::quiet_NaN();
     int k_, q_;
     double normalisation_;
+    int side_, mSpan_;
     std::vector<double> values_;
 };
 
@@ -122,8 +126,11 @@ private:
 Eigen::SparseMatrix<double> blockComponent(const ResidueBlock& block, const Eigen::MatrixXd& reduced,
                                const CrystalFieldKey& key, double partnerSign) {
     const double conjugateSign = (key.q % 2 == 0) ? 1.0 : -1.0;
-    ComponentFactorCache plus(key.k, key.q, normalisationOf(key)), minus(key.k, -key.q, normalisationOf(key));
     const auto size = static_cast<Eigen::Index>(block.states.size());
+    int maxTwiceJ = 0;
+    for (const auto& state : block.states) maxTwiceJ = std::max(maxTwiceJ, state.twiceJ);
+    ComponentFactorCache plus(key.k, key.q, normalisationOf(key), maxTwiceJ),
+        minus(key.k, -key.q, normalisationOf(key), maxTwiceJ);
     // C(k)_q links M to M' = M - q only: the states of each 2M, to visit just those pairs.
     std::map<int, std::vector<Eigen::Index>> statesOfTwiceM;
     for (Eigen::Index i = 0; i < size; ++i) statesOfTwiceM[block.states[i].twiceM].push_back(i);

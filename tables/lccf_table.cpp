@@ -23,15 +23,6 @@ constexpr double kOrbitalReduced = 9.16515138991168;  // sqrt(84) = <f||l||f> = 
 
 double sign(int exponent) { return (exponent % 2 == 0) ? 1.0 : -1.0; }
 
-std::vector<TermRecord> termsInDirectory(int n, const std::filesystem::path& directory, LogBook& log) {
-    if (n == 0) return {{"1S", 0, 0, 0}};
-    ScriptedAsker noAnswers;
-    const std::string name = configurationFileName(n, "state.lab");
-    const auto found = findCaseBlind(directory, name);
-    if (!found) throw UserError("Error in building tables", name + " not found in " + directory.string());
-    return ReadStateLabels(*found, StateLabelForm::Standard, log, noAnswers);
-}
-
 }  // namespace
 
 Eigen::MatrixXd lccfMatrix(int K, const std::vector<TermSpinOrbit>& terms,
@@ -69,18 +60,9 @@ Eigen::MatrixXd lccfMatrixFromParentage(int n, int K, const std::vector<TermSpin
 
 std::filesystem::path BuildLccfTable(int n, int K, const std::filesystem::path& directory, LogBook& log) {
     if (!isLccfRank(K)) throw UserError("Error in building tables", fmt::format("invalid Rank k  !!! ({})", K));
-    const auto terms = termsInDirectory(n, directory, log);
-    const auto parents = termsInDirectory(n - 1, directory, log);
-    ScriptedAsker noAnswers;
-    const std::string cfpName = configurationFileName(n, "cfp.val");
-    const auto cfpFile = findCaseBlind(directory, cfpName);
-    const auto cfp = ReadFractionalParentage(n, cfpFile ? *cfpFile : directory / cfpName, noAnswers);
-    Eigen::MatrixXd values = Eigen::MatrixXd::Zero(static_cast<int>(terms.size()), static_cast<int>(parents.size()));
-    const int rows = std::min<int>(static_cast<int>(cfp.values.rows()), static_cast<int>(values.rows()));
-    const int cols = std::min<int>(static_cast<int>(cfp.values.cols()), static_cast<int>(values.cols()));
-    values.topLeftCorner(rows, cols) = cfp.values.topLeftCorner(rows, cols);
+    const auto stored = readStoredParentage(n, directory, log);
     log.appendLine(fmt::format("Build UK(LCCF) RME of rank {}", K));
-    const Eigen::MatrixXd table = lccfMatrixFromParentage(n, K, spinOrbitOf(terms), spinOrbitOf(parents), values);
+    const Eigen::MatrixXd table = lccfMatrixFromParentage(n, K, stored.terms, stored.parents, stored.cfp);
     const auto path = directory / configurationFileName(n, tableFileName(TableOperator::Lccf, K));
     writeFileAtomically(path, reducedTableFileText(reducedTableTitle(operatorName(TableOperator::Lccf, K), n), table));
     log.appendLine(" (only for the lower triangle of the matrix).");

@@ -200,8 +200,7 @@ Eigen::MatrixXd storedTable(const std::filesystem::path& directory, const std::s
 
 }  // namespace
 
-std::filesystem::path BuildUnitTensorTable(int n, bool doubleTensor, int k, const std::filesystem::path& directory,
-                                           LogBook& log) {
+StoredParentage readStoredParentage(int n, const std::filesystem::path& directory, LogBook& log) {
     const auto terms = storedTerms(n, directory, log);
     const auto parents = storedTerms(n - 1, directory, log);
     ScriptedAsker noAnswers;
@@ -212,12 +211,16 @@ std::filesystem::path BuildUnitTensorTable(int n, bool doubleTensor, int k, cons
     const int rows = std::min<int>(static_cast<int>(cfp.values.rows()), static_cast<int>(values.rows()));
     const int cols = std::min<int>(static_cast<int>(cfp.values.cols()), static_cast<int>(values.cols()));
     values.topLeftCorner(rows, cols) = cfp.values.topLeftCorner(rows, cols);
+    return {spinOrbitOf(terms), spinOrbitOf(parents), std::move(values)};
+}
+
+std::filesystem::path BuildUnitTensorTable(int n, bool doubleTensor, int k, const std::filesystem::path& directory,
+                                           LogBook& log) {
+    const auto stored = readStoredParentage(n, directory, log);
     log.appendLine("Build Uk or V1k RME");
-    const auto termSL = spinOrbitOf(terms);
-    const auto parentSL = spinOrbitOf(parents);
     const auto kind = doubleTensor ? TableOperator::V1 : TableOperator::U;
-    const Eigen::MatrixXd table = doubleTensor ? doubleTensorMatrix(n, k, termSL, parentSL, values)
-                                               : unitTensorMatrix(n, k, termSL, parentSL, values);
+    const Eigen::MatrixXd table = doubleTensor ? doubleTensorMatrix(n, k, stored.terms, stored.parents, stored.cfp)
+                                               : unitTensorMatrix(n, k, stored.terms, stored.parents, stored.cfp);
     const auto path = directory / configurationFileName(n, tableFileName(kind, k));
     writeFileAtomically(path, reducedTableFileText(reducedTableTitle(operatorName(kind, k), n), table));
     log.appendLine(" (only for the lower triangle of the matrix).");

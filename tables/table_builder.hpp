@@ -12,6 +12,7 @@
 #include <Eigen/Dense>
 
 #include "core/log_book.hpp"
+#include "tables/reduced_tables.hpp"
 #include "tables/state_labels.hpp"
 #include "tables/term_generator.hpp"
 
@@ -57,6 +58,15 @@ std::vector<std::filesystem::path> writeDeliveredTables(
 // first. Returns the directory to read from.
 std::filesystem::path ensureConfigurationTables(int n, const std::filesystem::path& directory,
                                                 LogBook& log);
+
+// The inputs of every one-electron table of f^n stored in a table directory:
+// the terms of f^n and f^(n-1) (as S, L) and the CFP matrix (terms x parents).
+struct StoredParentage {
+    std::vector<TermSpinOrbit> terms;
+    std::vector<TermSpinOrbit> parents;
+    Eigen::MatrixXd cfp;
+};
+StoredParentage readStoredParentage(int n, const std::filesystem::path& directory, LogBook& log);
 
 // Table generators working from the files of the table directory (state
 // labels of f^n and f^(n-1), coefficients of f^n; f(k) from the stored U(k)

@@ -1,12 +1,19 @@
 #pragma once
 // Helpers shared by the engine tests: one table directory for every test
-// process and parameter rows typed as numbers.
+// process, in-memory tables, parameter rows typed as numbers and the Pr3+
+// free-ion set.
 #include <filesystem>
+#include <map>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <fmt/format.h>
 
+#include "engine/configuration_tables.hpp"
 #include "engine/parameter_set.hpp"
+#include "tables/table_builder.hpp"
+#include "tables/term_generator.hpp"
 
 namespace orvane::test {
 
@@ -29,6 +36,27 @@ inline FreeIonRow row(const std::string& name, double value) {
 
 inline CrystalFieldRow bkq(int k, int q, double re, double im = 0.0) {
     return {k, q, {fmt::format("{}", re), re}, {fmt::format("{}", im), im}};
+}
+
+// In-memory tables of f^n, built once per configuration for the whole program.
+inline const EngineTables& inMemoryTables(int n) {
+    static const auto generated = generateConfigurations(7);
+    static std::map<int, EngineTables> cache;
+    auto found = cache.find(n);
+    if (found == cache.end())
+        found = cache.emplace(n, engineTablesFrom(computeConfigurationTables(n, generated))).first;
+    return found->second;
+}
+
+// Pr3+:LaF3 free-ion parameters (Carnall et al. 1989, physics notes 14.4) on f^n.
+inline ParameterSet praseodymiumLikeSet(int n, double zeta, std::vector<CrystalFieldRow> crystalField, int fold) {
+    ParameterSet set;
+    set.electronCount = n;
+    set.mainFreeIon = {row("EAVG", 0.0), row("F2", 68878), row("F4", 50347), row("F6", 32901), row("ZETA", zeta)};
+    set.otherFreeIon = {row("ALPHA", 16.23), row("BETA", -566.6), row("GAMMA", 1371)};
+    set.crystalField = std::move(crystalField);
+    set.fold = fold;
+    return set;
 }
 
 }  // namespace orvane::test

@@ -27,15 +27,9 @@ namespace {
 using test::bkq;
 using test::row;
 
-// Pr3+:LaF3 free-ion parameters (Carnall et al. 1989, physics notes 14.4) on f^n.
+// Pr3+:LaF3 free-ion parameters with zeta = 751.7 (physics notes 14.4).
 ParameterSet ionSet(int n, std::vector<CrystalFieldRow> crystalField, int fold) {
-    ParameterSet set;
-    set.electronCount = n;
-    set.mainFreeIon = {row("EAVG", 0.0), row("F2", 68878), row("F4", 50347), row("F6", 32901), row("ZETA", 751.7)};
-    set.otherFreeIon = {row("ALPHA", 16.23), row("BETA", -566.6), row("GAMMA", 1371)};
-    set.crystalField = std::move(crystalField);
-    set.fold = fold;
-    return set;
+    return test::praseodymiumLikeSet(n, 751.7, std::move(crystalField), fold);
 }
 
 void addSection(ParameterSet& set, CorrelationKind kind, std::vector<CrystalFieldRow> rows) {

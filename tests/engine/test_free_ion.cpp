@@ -22,15 +22,7 @@
 namespace orvane {
 namespace {
 
-// In-memory tables of f^n, built once per configuration for the whole program.
-const EngineTables& tablesOf(int n) {
-    static const auto generated = generateConfigurations(7);
-    static std::map<int, EngineTables> cache;
-    auto found = cache.find(n);
-    if (found == cache.end())
-        found = cache.emplace(n, engineTablesFrom(computeConfigurationTables(n, generated))).first;
-    return found->second;
-}
+const EngineTables& tablesOf(int n) { return test::inMemoryTables(n); }
 
 std::filesystem::path tableDirectory() { return test::engineTableDirectory(); }
 
