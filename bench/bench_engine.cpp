@@ -1,24 +1,27 @@
-// Speed of the energy-level engine on the two benchmark ions, against LAPACK
-// alone on the same crystal-field blocks:
-//   Gd3+ (f7, 3432 states) at a site of fold 3 (blocks of 1144),
-//   Er3+ (f11 through f3, 364 states) at a site of fold 2 (two Kramers partner blocks of 182).
+// Speed of the energy-level engine against LAPACK alone on the same blocks:
+//   Gd3+ (f7, 3432 states) at a site of fold 3 (three blocks of 1144, one a
+//        time-reversal partner),
+//   Er3+ (f11 through f3, 364 states) at a site of fold 2,
+//   Nd3+ (f3, 364 states) at a site of fold 2.
 // Timings per ion:
-//   Run        the whole library call computeEnergyLevels (tables read from
-//              files, free ion, components, crystal-field blocks, eigenvalues);
-//   Recombine  the fit's hot path: stored components recombined with the
-//              parameters and the blocks diagonalised (eigenvalues only);
-//   Lapack     symmetricEigenvalues (one dsyevr per block) on every block of
-//              the same Hamiltonian, without the time-reversal reuse;
-//   LapackDistinct  the same on the blocks the engine diagonalises (a Kramers
-//              partner block is not), the reference of the engine's ratio;
-//   ...Complex the complex engine (Im B(k,q) on the q > 0 rows; zheevr);
-//   ...Vectors eigenvectors too (dsyevr/zheevr with JOBZ = 'V'); the engine
-//              maps the partner blocks' vectors by time reversal.
-// The parameters have typical magnitudes for the ions (not fitted values):
-// timings do not depend on them. Tables are generated once into
-// $ORVANE_TABLE_DIR or ./bench-engine-rme before timing starts.
+//   Build            Model::build: tables read, every component built;
+//   Solve            the fits' hot path: a second solve on a prepared model
+//                    with a warm workspace (eigenvalues only);
+//   SolveVectors     the same with eigenvectors;
+//   LapackDistinct   the driver the engine chooses (dsyevd / zheevd for the
+//                    whole spectrum) on the blocks the engine diagonalises (a
+//                    time-reversal partner is not), on copies of the same
+//                    matrices: the reference of the engine's ratio;
+//   LapackDistinctMrrr  dsyevr / zheevr on the same blocks, for comparison;
+//   Run              the whole library call computeEnergyLevels (tables read,
+//                    free ion, model, vectors carried to the free-ion levels).
+// Parameters: typical magnitudes for the ions (not fitted values); timings do
+// not depend on them. Tables are generated once into $ORVANE_TABLE_DIR or
+// ./bench-engine-rme before timing starts.
 #include <cstdlib>
 #include <filesystem>
+#include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -29,30 +32,33 @@
 #include "core/eigen_solver.hpp"
 #include "core/log_book.hpp"
 #include "engine/energy_levels.hpp"
+#include "engine/model.hpp"
 
 namespace {
 
 using namespace orvane;
+using bench::bkq;
+using bench::gadolinium;
+using bench::row;
 
 std::filesystem::path benchTableDirectory() {
     if (const char* dir = std::getenv("ORVANE_TABLE_DIR")) return dir;
     return std::filesystem::current_path() / "bench-engine-rme";
 }
 
-using bench::bkq;
-using bench::gadolinium;
-using bench::row;
-
-ParameterSet erbium() {
+ParameterSet lanthanideAtFold2(int electrons, std::array<double, 5> main) {
     ParameterSet set;
-    set.electronCount = 11;
+    set.electronCount = electrons;
     set.fold = 2;
-    set.mainFreeIon = {row("EAVG", 0), row("F2", 97000), row("F4", 68000), row("F6", 53000), row("ZETA", 2370)};
+    set.mainFreeIon = {row("EAVG", main[0]), row("F2", main[1]), row("F4", main[2]), row("F6", main[3]),
+                       row("ZETA", main[4])};
     set.otherFreeIon = {row("ALPHA", 18), row("BETA", -600), row("GAMMA", 1800)};
     set.crystalField = {bkq(2, 0, -250), bkq(2, 2, -100), bkq(4, 0, 600), bkq(4, 2, 400), bkq(4, 4, 550),
                         bkq(6, 0, 500), bkq(6, 2, -800), bkq(6, 4, -300), bkq(6, 6, -700)};
     return set;
 }
+ParameterSet erbium() { return lanthanideAtFold2(11, {0, 97000, 68000, 53000, 2370}); }
+ParameterSet neodymium() { return lanthanideAtFold2(3, {0, 72000, 52000, 35000, 880}); }
 
 // The same ions with imaginary parts on every q > 0 row (about 40 % of the real part).
 ParameterSet withImaginaryParts(ParameterSet set) {
@@ -69,123 +75,112 @@ bool isComplex(const ParameterSet& set) {
     return false;
 }
 
-const EnergyLevelResult& prepared(const ParameterSet& set) {
-    static std::vector<std::pair<std::pair<int, bool>, EnergyLevelResult>> cache;
-    const std::pair<int, bool> key{set.electronCount, isComplex(set)};
-    for (const auto& [n, result] : cache)
-        if (n == key) return result;
-    MemoryLogBook log;
-    cache.emplace_back(key, computeEnergyLevels(set, benchTableDirectory(), log, {true, false, key.second}));
-    return cache.back().second;
+struct Prepared {
+    std::unique_ptr<Model> model;
+    ParameterVector parameters;
+};
+
+// One prepared model per ion and kind, built (and its tables generated) outside the timing.
+const Prepared& prepared(ParameterSet (*ion)()) {
+    static std::map<ParameterSet (*)(), Prepared> cache;
+    auto& entry = cache[ion];
+    if (!entry.model) {
+        const auto set = ion();
+        MemoryLogBook log;
+        entry.model = std::make_unique<Model>(
+            Model::build(modelSpecOf(set, true, isComplex(set)), benchTableDirectory(), log));
+        entry.parameters = parameterVectorOf(set, isComplex(set));
+    }
+    return entry;
 }
 
-std::vector<double> freeIonEnergies(const EnergyLevelResult& result) {
-    std::vector<double> energies;
-    for (const auto& level : result.freeIon.levels) energies.push_back(level.energy);
-    return energies;
+void Build(benchmark::State& state, ParameterSet (*ion)()) {
+    prepared(ion);
+    const auto set = ion();
+    for (auto _ : state) {
+        MemoryLogBook log;
+        auto model = Model::build(modelSpecOf(set, true, isComplex(set)), benchTableDirectory(), log);
+        benchmark::DoNotOptimize(model.blocks().data());
+    }
 }
 
-// The blocks of the Hamiltonian (real, or complex when the operators carry
-// imaginary parts), as the engine builds them; with `distinctOnly` only the
-// blocks the engine diagonalises (no Kramers partner solved before them).
-std::vector<Eigen::MatrixXcd> blocksOf(const EnergyLevelResult& result, bool distinctOnly) {
-    const auto& operators = result.crystalFieldOperators;
-    const auto energies = freeIonEnergies(result);
+void Solve(benchmark::State& state, ParameterSet (*ion)(), bool vectors) {
+    const auto& [model, parameters] = prepared(ion);
+    ModelWorkspace workspace;
+    const SolveRequest request{false, vectors, kAllEigenvalues, {}};
+    model->solve(parameters, request, workspace);  // first solve: the workspace grows
+    for (auto _ : state) {
+        auto solution = model->solve(parameters, request, workspace);
+        benchmark::DoNotOptimize(solution.levels.data());
+    }
+}
+void SolveValues(benchmark::State& state, ParameterSet (*ion)()) { Solve(state, ion, false); }
+void SolveVectors(benchmark::State& state, ParameterSet (*ion)()) { Solve(state, ion, true); }
+
+// LAPACK alone on copies of the blocks the engine diagonalises.
+void Diagonalise(benchmark::State& state, ParameterSet (*ion)(), bool vectors, EigenDriver driver) {
+    const auto& [model, parameters] = prepared(ion);
     std::vector<Eigen::MatrixXcd> blocks;
-    for (std::size_t b = 0; b < operators.blocks.size(); ++b) {
-        if (distinctOnly && earlierTimeReversalPartner(operators, b) >= 0) continue;
-        const auto& states = operators.blocks[b].states;
-        const auto size = static_cast<Eigen::Index>(states.size());
-        Eigen::MatrixXd real = Eigen::MatrixXd::Zero(size, size), imaginary = Eigen::MatrixXd::Zero(size, size);
-        for (Eigen::Index i = 0; i < size; ++i) real(i, i) = energies[states[i].level];
-        for (std::size_t key = 0; key < operators.keys.size(); ++key) {
-            real += result.crystalFieldValues[key] * operators.realPart[key][b];
-            if (!operators.imaginaryPart.empty())
-                imaginary += result.crystalFieldImaginary[key] * operators.imaginaryPart[key][b];
-        }
-        Eigen::MatrixXcd matrix(size, size);
-        matrix.real() = real;
-        matrix.imag() = imaginary;
+    for (std::size_t b = 0; b < model->blocks().size(); ++b) {
+        if (model->blocks()[b].partner >= 0) continue;
+        Eigen::MatrixXcd matrix = model->blockMatrix(b, parameters).cast<std::complex<double>>();
+        matrix.imag() = model->imaginaryBlockMatrix(b, parameters);
         blocks.push_back(std::move(matrix));
     }
-    return blocks;
+    const bool complex = model->spec().complex;
+    SymmetricEigenWorkspace real;
+    HermitianEigenWorkspace hermitian;
+    const EigenRequest request{vectors, kAllEigenvalues, driver};
+    for (auto _ : state) {
+        for (const auto& block : blocks) {
+            state.PauseTiming();
+            const int n = static_cast<int>(block.rows());
+            if (complex)
+                hermitian.matrix(n) = block;
+            else
+                real.matrix(n) = block.real();
+            state.ResumeTiming();
+            benchmark::DoNotOptimize(complex ? hermitian.solve(request) : real.solve(request));
+        }
+    }
+}
+void LapackDistinct(benchmark::State& state, ParameterSet (*ion)()) {
+    Diagonalise(state, ion, false, EigenDriver::DivideAndConquer);
+}
+void LapackDistinctVectors(benchmark::State& state, ParameterSet (*ion)()) {
+    Diagonalise(state, ion, true, EigenDriver::DivideAndConquer);
+}
+void LapackDistinctMrrr(benchmark::State& state, ParameterSet (*ion)()) {
+    Diagonalise(state, ion, false, EigenDriver::Mrrr);
 }
 
 void Run(benchmark::State& state, ParameterSet (*ion)()) {
+    prepared(ion);
     const auto set = ion();
-    prepared(set);  // tables generated before timing
     for (auto _ : state) {
         MemoryLogBook log;
-        auto result = computeEnergyLevels(set, benchTableDirectory(), log, {true, false});
+        auto result = computeEnergyLevels(set, benchTableDirectory(), log, {true, true, isComplex(set)});
         benchmark::DoNotOptimize(result.crystalField.levels.data());
     }
 }
 
-// The engine's recombination and solution of every block (partner blocks by time reversal).
-void Solve(benchmark::State& state, ParameterSet (*ion)(), bool vectors) {
-    const auto& result = prepared(ion());
-    const auto energies = freeIonEnergies(result);
-    const bool complex = !result.crystalFieldOperators.imaginaryPart.empty();
-    for (auto _ : state) {
-        auto solution = complex ? solveComplexCrystalField(result.crystalFieldOperators, energies,
-                                                           result.crystalFieldValues, result.crystalFieldImaginary,
-                                                           vectors)
-                                : solveRealCrystalField(result.crystalFieldOperators, energies,
-                                                        result.crystalFieldValues, vectors);
-        benchmark::DoNotOptimize(solution.levels.data());
-    }
-}
+constexpr auto kMs = benchmark::kMillisecond;
 
-void Recombine(benchmark::State& state, ParameterSet (*ion)()) { Solve(state, ion, false); }
-void RecombineVectors(benchmark::State& state, ParameterSet (*ion)()) { Solve(state, ion, true); }
+#define ORVANE_ENGINE_BENCHMARKS(ion, repetitions)                                        \
+    BENCHMARK_CAPTURE(Build, ion, ion)->Unit(kMs)->Iterations(1)->Repetitions(repetitions); \
+    BENCHMARK_CAPTURE(SolveValues, ion, ion)->Unit(kMs)->Repetitions(repetitions);          \
+    BENCHMARK_CAPTURE(LapackDistinct, ion, ion)->Unit(kMs)->Repetitions(repetitions);       \
+    BENCHMARK_CAPTURE(LapackDistinctMrrr, ion, ion)->Unit(kMs)->Repetitions(repetitions);   \
+    BENCHMARK_CAPTURE(SolveVectors, ion, ion)->Unit(kMs)->Repetitions(repetitions);         \
+    BENCHMARK_CAPTURE(LapackDistinctVectors, ion, ion)->Unit(kMs)->Repetitions(repetitions); \
+    BENCHMARK_CAPTURE(Run, ion, ion)->Unit(kMs)->Iterations(1)->Repetitions(repetitions)
 
-// LAPACK alone (dsyevr for real blocks, zheevr for complex ones) on the same blocks.
-void Diagonalise(benchmark::State& state, ParameterSet (*ion)(), bool distinctOnly, bool vectors) {
-    const auto& result = prepared(ion());
-    const bool complex = !result.crystalFieldOperators.imaginaryPart.empty();
-    const auto blocks = blocksOf(result, distinctOnly);
-    std::vector<Eigen::MatrixXd> realBlocks;
-    for (const auto& block : blocks) realBlocks.push_back(block.real());
-    for (auto _ : state) {
-        state.PauseTiming();
-        auto copies = blocks;
-        auto realCopies = realBlocks;
-        state.ResumeTiming();
-        for (std::size_t b = 0; b < copies.size(); ++b) {
-            if (complex) {
-                auto solved = vectors ? hermitianEigenpairs(std::move(copies[b]))
-                                      : hermitianEigenvalues(std::move(copies[b]));
-                benchmark::DoNotOptimize(solved.values.data());
-            } else {
-                auto solved = vectors ? symmetricEigenpairs(std::move(realCopies[b]))
-                                      : symmetricEigenvalues(std::move(realCopies[b]));
-                benchmark::DoNotOptimize(solved.values.data());
-            }
-        }
-    }
-}
-
-void Lapack(benchmark::State& state, ParameterSet (*ion)()) { Diagonalise(state, ion, false, false); }
-void LapackDistinct(benchmark::State& state, ParameterSet (*ion)()) { Diagonalise(state, ion, true, false); }
-void LapackDistinctVectors(benchmark::State& state, ParameterSet (*ion)()) { Diagonalise(state, ion, true, true); }
-
-BENCHMARK_CAPTURE(Run, Gd3plus_f7_fold3, gadolinium)->Unit(benchmark::kMillisecond)->Iterations(1);
-BENCHMARK_CAPTURE(Recombine, Gd3plus_f7_fold3, gadolinium)->Unit(benchmark::kMillisecond)->Iterations(1);
-BENCHMARK_CAPTURE(Lapack, Gd3plus_f7_fold3, gadolinium)->Unit(benchmark::kMillisecond)->Iterations(1);
-BENCHMARK_CAPTURE(LapackDistinct, Gd3plus_f7_fold3, gadolinium)->Unit(benchmark::kMillisecond)->Iterations(1);
-BENCHMARK_CAPTURE(RecombineVectors, Gd3plus_f7_fold3, gadolinium)->Unit(benchmark::kMillisecond)->Iterations(1);
-BENCHMARK_CAPTURE(LapackDistinctVectors, Gd3plus_f7_fold3, gadolinium)->Unit(benchmark::kMillisecond)->Iterations(1);
-BENCHMARK_CAPTURE(Recombine, Gd3plus_f7_fold3_complex, gadoliniumComplex)->Unit(benchmark::kMillisecond)->Iterations(1);
-BENCHMARK_CAPTURE(LapackDistinct, Gd3plus_f7_fold3_complex, gadoliniumComplex)->Unit(benchmark::kMillisecond)->Iterations(1);
-BENCHMARK_CAPTURE(Run, Er3plus_f11_fold2, erbium)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(Recombine, Er3plus_f11_fold2, erbium)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(Lapack, Er3plus_f11_fold2, erbium)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(LapackDistinct, Er3plus_f11_fold2, erbium)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(RecombineVectors, Er3plus_f11_fold2, erbium)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(LapackDistinctVectors, Er3plus_f11_fold2, erbium)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(Recombine, Er3plus_f11_fold2_complex, erbiumComplex)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(LapackDistinct, Er3plus_f11_fold2_complex, erbiumComplex)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(RecombineVectors, Er3plus_f11_fold2_complex, erbiumComplex)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(LapackDistinctVectors, Er3plus_f11_fold2_complex, erbiumComplex)->Unit(benchmark::kMillisecond);
+ORVANE_ENGINE_BENCHMARKS(gadolinium, 3);
+ORVANE_ENGINE_BENCHMARKS(gadoliniumComplex, 3);
+ORVANE_ENGINE_BENCHMARKS(erbium, 3);
+ORVANE_ENGINE_BENCHMARKS(erbiumComplex, 3);
+ORVANE_ENGINE_BENCHMARKS(neodymium, 3);
 
 }  // namespace
+
+

@@ -78,11 +78,11 @@ void dsteqr_(const char* compz, const int* n, double* d, double* e, double* z, c
 // Eigenvalues only of a real symmetric tridiagonal matrix (root-free QL/QR).
 void dsterf_(const int* n, double* d, double* e, int* info);
 
-// Selected eigenvalues and eigenvectors of a real symmetric matrix (MRRR).
 // Eigenvalues and eigenvectors of a real symmetric matrix by divide and conquer.
 void dsyevd_(const char* jobz, const char* uplo, const int* n, double* a, const int* lda, double* w,
              double* work, const int* lwork, int* iwork, const int* liwork, int* info,
              orvane::lapack::FortranLength jobzLength, orvane::lapack::FortranLength uploLength);
+// Selected eigenvalues and eigenvectors of a real symmetric matrix (MRRR).
 void dsyevr_(const char* jobz, const char* range, const char* uplo, const int* n, double* a,
              const int* lda, const double* vl, const double* vu, const int* il, const int* iu,
              const double* abstol, int* m, double* w, double* z, const int* ldz, int* isuppz,
@@ -98,6 +98,12 @@ void zheevr_(const char* jobz, const char* range, const char* uplo, const int* n
              orvane::lapack::Complex* work, const int* lwork, double* rwork, const int* lrwork,
              int* iwork, const int* liwork, int* info, orvane::lapack::FortranLength jobzLength,
              orvane::lapack::FortranLength rangeLength,
+             orvane::lapack::FortranLength uploLength);
+
+// Eigenvalues and eigenvectors of a complex Hermitian matrix by divide and conquer.
+void zheevd_(const char* jobz, const char* uplo, const int* n, orvane::lapack::Complex* a, const int* lda,
+             double* w, orvane::lapack::Complex* work, const int* lwork, double* rwork, const int* lrwork,
+             int* iwork, const int* liwork, int* info, orvane::lapack::FortranLength jobzLength,
              orvane::lapack::FortranLength uploLength);
 
 }  // extern "C"

@@ -48,15 +48,20 @@ double normalisationOf(const CrystalFieldKey& key) {
 // The transformed reduced elements in the free-ion level basis of one term table.
 Eigen::MatrixXd transformTable(const EngineTables& tables, const JBasis& basis, const Eigen::MatrixXd& vectors,
                                const Eigen::MatrixXd& termTable, int k) {
+    return vectors.transpose() * tensorBetweenJStates(tables, basis, termTable, k) * vectors;
+}
+
+}  // namespace
+
+Eigen::MatrixXd tensorBetweenJStates(const EngineTables& tables, const JBasis& basis,
+                                     const Eigen::MatrixXd& termTable, int k) {
     const auto stateCount = static_cast<Eigen::Index>(basis.states.size());
     Eigen::MatrixXd inJ(stateCount, stateCount);
     for (Eigen::Index i = 0; i < stateCount; ++i)
         for (Eigen::Index j = 0; j < stateCount; ++j)
             inJ(i, j) = orbitalTensorInJ(tables, termTable, k, basis.states[i], basis.states[j]);
-    return vectors.transpose() * inJ * vectors;
+    return inJ;
 }
-
-}  // namespace
 
 TransformedTensors transformTensors(const EngineTables& tables, const FreeIonOperators& operators,
                                     const FreeIonSolution& freeIon, const CorrelationTermTensors& correlation) {
@@ -121,10 +126,10 @@ private:
     std::vector<double> values_;
 };
 
-// The coefficient matrices of Re B(k,q) (sign +1: C_q + (-1)^q C_-q) and of
-// Im B(k,q) divided by i (sign -1: C_q - (-1)^q C_-q) in one residue block.
-Eigen::SparseMatrix<double> blockComponent(const ResidueBlock& block, const Eigen::MatrixXd& reduced,
-                               const CrystalFieldKey& key, double partnerSign) {
+}  // namespace
+
+Eigen::SparseMatrix<double> crystalFieldBlockComponent(const ResidueBlock& block, const Eigen::MatrixXd& reduced,
+                                                       const CrystalFieldKey& key, double partnerSign) {
     const double conjugateSign = (key.q % 2 == 0) ? 1.0 : -1.0;
     const auto size = static_cast<Eigen::Index>(block.states.size());
     int maxTwiceJ = 0;
@@ -160,6 +165,8 @@ Eigen::SparseMatrix<double> blockComponent(const ResidueBlock& block, const Eige
     matrix.setFromTriplets(entries.begin(), entries.end());
     return matrix;
 }
+
+namespace {
 
 template <typename Level>
 void sortLevels(std::vector<Level>& levels) {
@@ -245,8 +252,8 @@ CrystalFieldOperators buildCrystalFieldOperators(const TransformedTensors& tenso
         const auto& reduced = reducedOf(tensors, key);
         std::vector<Eigen::SparseMatrix<double>> realBlocks, imaginaryBlocks;
         for (const auto& block : operators.blocks) {
-            realBlocks.push_back(blockComponent(block, reduced, key, 1.0));
-            if (withImaginaryParts) imaginaryBlocks.push_back(blockComponent(block, reduced, key, -1.0));
+            realBlocks.push_back(crystalFieldBlockComponent(block, reduced, key, 1.0));
+            if (withImaginaryParts) imaginaryBlocks.push_back(crystalFieldBlockComponent(block, reduced, key, -1.0));
         }
         operators.realPart.push_back(std::move(realBlocks));
         if (withImaginaryParts) operators.imaginaryPart.push_back(std::move(imaginaryBlocks));

@@ -73,6 +73,19 @@ struct CrystalFieldKey {
     friend bool operator==(const CrystalFieldKey&, const CrystalFieldKey&) = default;
 };
 
+// <SLJ||X(k)||S'L'J'> of a spin-scalar orbital tensor between the |SL J>
+// states of a basis, from its term table (Edmonds 1957, eq. 7.1.7, spin
+// coupled first): (-1)^(S+L'+J+k) sqrt([J][J']) {L J S; J' L' k} <SL||X(k)||SL'>.
+Eigen::MatrixXd tensorBetweenJStates(const EngineTables& tables, const JBasis& basis,
+                                     const Eigen::MatrixXd& termTable, int k);
+
+// The coefficient matrix of Re B(k,q) (partnerSign +1: C_q + (-1)^q C_-q) or
+// of Im B(k,q) divided by i (partnerSign -1: C_q - (-1)^q C_-q) in one residue
+// block whose states' `level` index the rows and columns of `reduced`
+// (<level J||X(k)||level' J'>), with the key's normalisation.
+Eigen::SparseMatrix<double> crystalFieldBlockComponent(const ResidueBlock& block, const Eigen::MatrixXd& reduced,
+                                                       const CrystalFieldKey& key, double partnerSign);
+
 struct CrystalFieldOperators {
     int fold = 1;
     std::vector<ResidueBlock> blocks;

@@ -9,6 +9,7 @@
 
 #include "core/user_error.hpp"
 #include "engine/correlation_crystal_field.hpp"
+#include "engine/model.hpp"
 #include "engine/engine_errors.hpp"
 #include "engine/hamiltonian_printout.hpp"
 #include "engine/other_free_ion.hpp"
@@ -22,19 +23,35 @@ bool usesConjugate(const ParameterSet& set) {
     return set.electronCount > 7 && set.electronCount < 14 && !set.switches.actualShell;
 }
 
-// Free-ion build choices of the run switches ("/spinmmin= ", "/noss", "/wrongrankss").
-FreeIonBuildOptions freeIonBuildOptionsOf(const ParameterSet& set, LogBook& log) {
-    FreeIonBuildOptions build;
-    build.minMultiplicity = set.switches.minSpinMultiplicity;
-    build.electrons = set.electronCount;
-    if (set.switches.noSpinSpin) {
-        build.spinSpin = SpinSpinForm::Dropped;
-        log.appendLine("Set spin-spin interaction to zero!!");
-    } else if (set.switches.wrongRankSpinSpin) {
-        build.spinSpin = SpinSpinForm::WrongRank1;
-        log.appendLine("Use wrong rank=1 for spin-spin interaction !!");
+// The log lines of the spin-spin choices ("/noss", "/wrongrankss").
+void logSpinSpinForm(SpinSpinForm form, LogBook& log) {
+    if (form == SpinSpinForm::Dropped) log.appendLine("Set spin-spin interaction to zero!!");
+    if (form == SpinSpinForm::WrongRank1) log.appendLine("Use wrong rank=1 for spin-spin interaction !!");
+}
+
+// A crystal-field vector of the model (over |SL J MJ> of its block) on the
+// states |a J MJ> of the free-ion levels a in the matching residue block:
+// <a J M|psi> = sum_s v_a(s) <s J M|psi>, v_a the free-ion eigenvector.
+template <typename Vector>
+Vector onFreeIonLevels(const Model& model, std::size_t b, const ResidueBlock& levelBlock,
+                       const FreeIonSolution& freeIon, const Vector& vector) {
+    std::map<std::pair<int, int>, int> offsetOf;  // (2M, J block) -> first state of the patch
+    const auto& jBasis = model.freeIonOperators().basis;
+    const auto& states = model.blocks()[b].states;
+    std::vector<int> jBlockOf(jBasis.states.size());
+    for (int jb = 0; jb < static_cast<int>(jBasis.blocks.size()); ++jb)
+        for (int s : jBasis.blocks[jb].states) jBlockOf[s] = jb;
+    for (int i = static_cast<int>(states.size()) - 1; i >= 0; --i)
+        offsetOf[{states[i].twiceM, jBlockOf[states[i].jState]}] = i;
+    Vector result(static_cast<Eigen::Index>(levelBlock.states.size()));
+    for (std::size_t i = 0; i < levelBlock.states.size(); ++i) {
+        const auto& state = levelBlock.states[i];
+        const auto& level = freeIon.levels[state.level];
+        const int offset = offsetOf.at({state.twiceM, level.block});
+        result(static_cast<Eigen::Index>(i)) =
+            level.vector.template cast<typename Vector::Scalar>().dot(vector.segment(offset, level.vector.size()));
     }
-    return build;
+    return result;
 }
 
 // "/t2correction" and "/printhm" listings of the free-ion stage.
@@ -74,64 +91,67 @@ EnergyLevelResult computeEnergyLevels(const ParameterSet& set, const std::filesy
         result.crystalFieldValues = std::move(values.re);
         result.crystalFieldImaginary = std::move(values.im);
     }
-    if (!result.parametersNotIncluded.empty()) {
-        std::string names;
-        for (const auto& name : result.parametersNotIncluded) names += " " + name;
-        log.appendLine("Parameters not included (their operators are not built yet):" + names);
-    }
-
+    const auto parameters = parameterVectorOf(set, options.complex);
     if (result.conjugate)
         log.appendLine(fmt::format("Conjugate configuration of {} used for reduced matrices & states!",
                                    result.tableElectrons));
-    const auto tables = loadEngineTables(result.tableElectrons, tableDirectory, log,
-                                         set.switches.useZic ? MagneticTableFiles::ZForm
-                                                             : MagneticTableFiles::Operators);
-    result.freeIonOperators = buildFreeIonOperators(tables, freeIonBuildOptionsOf(set, log));
+    const auto spec = modelSpecOf(set, options.crystalField, options.complex);
+    const Model model = Model::build(spec, tableDirectory, log);
+    logSpinSpinForm(spec.spinSpin, log);
+    result.freeIonOperators = model.freeIonOperators();
     if (set.switches.minSpinMultiplicity)
         log.appendLine(fmt::format("Apply truncation of LS basis with min spin multiplicity = {}",
                                    *set.switches.minSpinMultiplicity));
-    if (result.freeIonOperators.basis.states.empty())
-        throw UserError(kRealEngineError, "no |SLJ> state is left in the basis");
     log.appendLine(fmt::format("Free-ion Hamiltonian dim. = {}", result.freeIonOperators.basis.states.size()));
     logFreeIonRequests(set, result, log);
     log.appendLine("Finding free-ion eigenvalues and eigenvectors");
-    result.freeIon = solveFreeIon(result.freeIonOperators, result.freeIonWeights);
-    if (result.freeIon.status != EigenStatus::Ok)
-        throw UserError(kRealEngineError, "the free-ion diagonalisation failed");
+    ModelWorkspace workspace;
+    const SolveRequest request{true, options.wantVectors, options.lowest, {}};
+    auto solution = model.solve(parameters, request, workspace);
+    if (solution.status != EigenStatus::Ok)
+        throw UserError(options.complex ? kComplexEngineError : kRealEngineError, "the diagonalisation failed");
+    result.freeIon = std::move(solution.freeIon);
     if (!options.crystalField) return result;
 
     log.appendLine("Storing transformed reduced matrix elements");
-    const auto correlationTables =
-        loadCorrelationTermTensors(result.crystalFieldKeys, tables, n, tableDirectory, log);
     result.crystalFieldTensors =
-        transformTensors(tables, result.freeIonOperators, result.freeIon, correlationTables);
-    const auto& tensors = result.crystalFieldTensors;
+        transformTensors(model.tables(), result.freeIonOperators, result.freeIon, model.correlation());
     log.appendLine(fmt::format("Fold of symmetry = {}", set.fold));
     if (set.switches.cubicCF) log.appendLine("Cubic Crystal Field assumed!");
-    result.crystalFieldOperators =
-        buildCrystalFieldOperators(tensors, result.crystalFieldKeys, set.fold, options.complex);
-    for (const auto& block : result.crystalFieldOperators.blocks)
+    auto& operators = result.crystalFieldOperators;
+    operators.fold = set.fold;
+    operators.keys = result.crystalFieldKeys;
+    operators.blocks = residueBlocks(result.crystalFieldTensors.levelTwiceJ, set.fold);
+    for (const auto& block : operators.blocks)
         log.appendLine((options.complex ? "Working on complex crystal field Hamiltonian submatrix with dim. = "
                                         : "Working on crystal field Hamiltonian submatrix with dim. = ") +
                        std::to_string(block.states.size()));
-    std::vector<double> freeIonEnergies;
-    for (const auto& level : result.freeIon.levels) freeIonEnergies.push_back(level.energy);
-    if (options.complex && set.switches.printHamiltonian)
-        for (std::size_t b = 0; b < result.crystalFieldOperators.blocks.size(); ++b)
+    if (options.complex && set.switches.printHamiltonian) {
+        // Listed between free-ion levels (|a J MJ>), the basis the listing has always used.
+        const auto levelOperators = levelBasisOperators(result, true);
+        std::vector<double> freeIonEnergies;
+        for (const auto& level : result.freeIon.levels) freeIonEnergies.push_back(level.energy);
+        for (std::size_t b = 0; b < levelOperators.blocks.size(); ++b)
             for (const auto& line : complexHamiltonianPrintoutLines(
-                     complexBlockMatrix(result.crystalFieldOperators, b, freeIonEnergies,
-                                        result.crystalFieldValues, result.crystalFieldImaginary)))
+                     complexBlockMatrix(levelOperators, b, freeIonEnergies, result.crystalFieldValues,
+                                        result.crystalFieldImaginary)))
                 log.appendLine(line);
-    result.crystalField =
-        options.complex ? solveComplexCrystalField(result.crystalFieldOperators, freeIonEnergies,
-                                                   result.crystalFieldValues, result.crystalFieldImaginary,
-                                                   options.wantVectors, options.lowest)
-                        : solveRealCrystalField(result.crystalFieldOperators, freeIonEnergies,
-                                                result.crystalFieldValues, options.wantVectors, options.lowest);
-    if (result.crystalField.status != EigenStatus::Ok)
-        throw UserError(options.complex ? kComplexEngineError : kRealEngineError,
-                        "the crystal-field diagonalisation failed");
+    }
+    for (auto& level : solution.levels) {
+        CrystalFieldLevel converted{level.energy, level.block, {}, {}};
+        const auto b = static_cast<std::size_t>(level.block);
+        if (level.vector.size() > 0)
+            converted.vector = onFreeIonLevels(model, b, operators.blocks[b], result.freeIon, level.vector);
+        if (level.complexVector.size() > 0)
+            converted.complexVector = onFreeIonLevels(model, b, operators.blocks[b], result.freeIon, level.complexVector);
+        result.crystalField.levels.push_back(std::move(converted));
+    }
     return result;
+}
+
+CrystalFieldOperators levelBasisOperators(const EnergyLevelResult& result, bool withImaginaryParts) {
+    return buildCrystalFieldOperators(result.crystalFieldTensors, result.crystalFieldKeys,
+                                      result.crystalFieldOperators.fold, withImaginaryParts);
 }
 
 }  // namespace orvane

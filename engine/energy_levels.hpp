@@ -48,7 +48,9 @@ struct EnergyLevelResult {
     std::vector<double> crystalFieldValues;      // Re B(k,q) as applied, one per key
     std::vector<double> crystalFieldImaginary;   // Im B(k,q) as applied (all 0 for the real engine)
     TransformedTensors crystalFieldTensors;  // U(k) and correlation tensors between free-ion levels
+    // The |a J MJ> blocks of the free-ion levels (components not built: see levelBasisOperators).
     CrystalFieldOperators crystalFieldOperators;
+    // Levels with their vectors over the |a J MJ> states of those blocks.
     CrystalFieldSolution crystalField;       // empty when the crystal field was not asked
     std::vector<std::string> parametersNotIncluded;
 };
@@ -57,5 +59,10 @@ struct EnergyLevelResult {
 // missing tables or a failed diagonalisation.
 EnergyLevelResult computeEnergyLevels(const ParameterSet& set, const std::filesystem::path& tableDirectory,
                                       LogBook& log, const EnergyLevelOptions& options = {});
+
+// The crystal-field components between free-ion levels, block by block as in
+// `result.crystalFieldOperators` (for reports and checks; the engine itself
+// works on |SL J MJ>, engine/model.hpp).
+CrystalFieldOperators levelBasisOperators(const EnergyLevelResult& result, bool withImaginaryParts);
 
 }  // namespace orvane

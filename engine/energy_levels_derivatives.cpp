@@ -64,8 +64,10 @@ LevelDerivatives freeIonDerivatives(const EnergyLevelResult& result) {
 }
 
 LevelDerivatives crystalFieldDerivatives(const EnergyLevelResult& result) {
-    const auto& operators = result.crystalFieldOperators;
     const auto& levels = result.crystalField.levels;
+    // The components between free-ion levels (the engine itself works on |SL J MJ>, engine/model.hpp).
+    const bool complexVectors = !levels.empty() && levels.front().complexVector.size() > 0;
+    const auto operators = levelBasisOperators(result, complexVectors);
     for (const auto& level : levels)
         if (level.vector.size() == 0 && level.complexVector.size() == 0)
             throw std::invalid_argument("crystal-field derivatives need the eigenvectors");

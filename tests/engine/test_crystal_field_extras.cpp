@@ -33,7 +33,7 @@ EnergyLevelResult run(const ParameterSet& set, bool vectors = false, bool comple
 // The block's Hamiltonian rebuilt from the stored components (diagonal free-ion
 // energies, Re parts, i times the antisymmetric Im parts).
 Eigen::MatrixXcd blockHamiltonian(const EnergyLevelResult& result, std::size_t b) {
-    const auto& operators = result.crystalFieldOperators;
+    const auto operators = levelBasisOperators(result, !result.crystalFieldImaginary.empty());
     const auto& states = operators.blocks[b].states;
     const auto size = static_cast<Eigen::Index>(states.size());
     Eigen::MatrixXcd h = Eigen::MatrixXcd::Zero(size, size);
@@ -67,7 +67,7 @@ TEST(CrystalFieldTimeReversal, PartnerVectorsAreOrthonormalEigenvectorsOfTheirBl
         if (!c.complex)
             for (auto& p : parameters) p.im = {"0", 0.0};
         const auto result = run(ionSet(c.n, 751.7, parameters, c.fold), true, c.complex);
-        const auto& operators = result.crystalFieldOperators;
+        const auto operators = levelBasisOperators(result, !result.crystalFieldImaginary.empty());
         const std::string what = "f" + std::to_string(c.n) + " fold " + std::to_string(c.fold) +
                                  (c.complex ? " complex" : " real");
         int partnerBlocks = 0;

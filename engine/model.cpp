@@ -1,0 +1,408 @@
+#include "engine/model.hpp"
+
+#include <algorithm>
+#include <complex>
+#include <map>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "core/user_error.hpp"
+#include "engine/correlation_crystal_field.hpp"
+#include "engine/crystal_field_parameters.hpp"
+#include "engine/engine_errors.hpp"
+
+namespace orvane {
+
+namespace {
+
+using Complex = std::complex<double>;
+
+bool usesConjugate(const ModelSpec& spec) { return spec.electrons > 7 && spec.electrons < 14 && !spec.actualShell; }
+
+// Parameters whose operators change sign in the conjugate shell f^(14-n)
+// (Judd 1963, ch. 5: operators odd under the particle-hole exchange; the
+// legacy T2 carries its own rule inside its component, engine/free_ion.hpp).
+bool freeIonChangesSign(ParameterId id) {
+    using namespace parameter;
+    return id == kZeta || id == kT2Prime || id == kT3 || id == kT4 || id == kT6 || id == kT7 || id == kT8;
+}
+
+double phaseOfTwice(int twiceExponent) { return ((twiceExponent / 2) % 2 == 0) ? 1.0 : -1.0; }
+
+// The states of every residue block ordered by MJ, J block, place in the J block.
+std::vector<ModelBlock> modelBlocks(const JBasis& basis, int fold, int electrons) {
+    std::map<int, std::vector<ModelState>> byResidue;
+    int maxTwiceJ = 0;
+    for (const auto& block : basis.blocks) maxTwiceJ = std::max(maxTwiceJ, block.twiceJ);
+    for (int twiceM = -maxTwiceJ; twiceM <= maxTwiceJ; twiceM += 2)
+        for (const auto& block : basis.blocks) {
+            if (block.twiceJ < std::abs(twiceM) || (block.twiceJ - twiceM) % 2 != 0) continue;
+            for (const int s : block.states) byResidue[twiceMResidue(twiceM, fold)].push_back({s, block.twiceJ, twiceM});
+        }
+    std::vector<ModelBlock> blocks;
+    for (auto& [residue, states] : byResidue) blocks.push_back({residue, std::move(states), -1});
+    // Time-reversal partners: residue r and -r mod 2p (odd n: T^2 = -1, even n: T^2 = +1).
+    (void)electrons;
+    for (std::size_t b = 0; b < blocks.size(); ++b) {
+        const int partnerResidue = (2 * fold - blocks[b].residue) % (2 * fold);
+        for (std::size_t other = 0; other < b; ++other)
+            if (blocks[other].residue == partnerResidue && partnerResidue != blocks[b].residue)
+                blocks[b].partner = static_cast<int>(other);
+    }
+    return blocks;
+}
+
+// The same block in the form the crystal-field component builder takes.
+ResidueBlock residueBlockOf(const ModelBlock& block) {
+    ResidueBlock result{block.residue, {}};
+    for (const auto& state : block.states) result.states.push_back({state.jState, state.twiceJ, state.twiceM});
+    return result;
+}
+
+// For each state of block `to`, the state (s, J, -M) of block `from` and the phase (-1)^(J+M).
+struct TimeReversal {
+    std::vector<Eigen::Index> source;
+    std::vector<double> phase;
+};
+
+TimeReversal timeReversal(const ModelBlock& from, const ModelBlock& to) {
+    std::map<std::pair<int, int>, Eigen::Index> indexOf;
+    for (std::size_t i = 0; i < from.states.size(); ++i)
+        indexOf[{from.states[i].jState, from.states[i].twiceM}] = static_cast<Eigen::Index>(i);
+    TimeReversal map;
+    for (const auto& state : to.states) {
+        map.source.push_back(indexOf.at({state.jState, -state.twiceM}));
+        map.phase.push_back(phaseOfTwice(state.twiceJ + state.twiceM));
+    }
+    return map;
+}
+
+template <typename Vector>
+Vector timeReversed(const TimeReversal& map, const Vector& vector) {
+    Vector result(static_cast<Eigen::Index>(map.source.size()));
+    for (std::size_t i = 0; i < map.source.size(); ++i) {
+        if constexpr (std::is_same_v<typename Vector::Scalar, Complex>)
+            result(static_cast<Eigen::Index>(i)) = map.phase[i] * std::conj(vector(map.source[i]));
+        else
+            result(static_cast<Eigen::Index>(i)) = map.phase[i] * vector(map.source[i]);
+    }
+    return result;
+}
+
+}  // namespace
+
+ModelSpec modelSpecOf(const ParameterSet& set, bool crystalField, bool complex) {
+    ModelSpec spec;
+    spec.electrons = set.electronCount;
+    spec.fold = set.fold;
+    spec.crystalField = crystalField;
+    spec.complex = complex;
+    spec.actualShell = set.switches.actualShell;
+    spec.minMultiplicity = set.switches.minSpinMultiplicity;
+    if (set.switches.noSpinSpin)
+        spec.spinSpin = SpinSpinForm::Dropped;
+    else if (set.switches.wrongRankSpinSpin)
+        spec.spinSpin = SpinSpinForm::WrongRank1;
+    spec.magneticFiles = set.switches.useZic ? MagneticTableFiles::ZForm : MagneticTableFiles::Operators;
+    if (crystalField) spec.keys = crystalFieldParametersOf(set, false, complex).keys;
+    return spec;
+}
+
+Model Model::build(const ModelSpec& spec, const std::filesystem::path& tableDirectory, LogBook& log) {
+    if (spec.electrons < 1 || spec.electrons > 14)
+        throw UserError(kRealEngineError,
+                        fmt::format("invalid number of f electrons: {} (1 to 14)", spec.electrons));
+    const int tableElectrons = usesConjugate(spec) ? 14 - spec.electrons : spec.electrons;
+    auto tables = loadEngineTables(tableElectrons, tableDirectory, log, spec.magneticFiles);
+    CorrelationTermTensors correlation;
+    if (spec.crystalField)
+        correlation = loadCorrelationTermTensors(spec.keys, tables, spec.electrons, tableDirectory, log);
+    return fromTables(spec, std::move(tables), correlation);
+}
+
+Model Model::fromTables(const ModelSpec& spec, EngineTables tables, const CorrelationTermTensors& correlation) {
+    if (spec.fold < 1) throw UserError(kRealEngineError, fmt::format("invalid fold of symmetry: {}", spec.fold));
+    if (!keysFitFold(spec.keys, spec.fold))
+        throw UserError(kCfHamiltonianError, "a crystal-field parameter has q not a multiple of the fold");
+    Model model;
+    model.spec_ = spec;
+    model.conjugate_ = usesConjugate(spec);
+    FreeIonBuildOptions options;
+    options.minMultiplicity = spec.minMultiplicity;
+    options.electrons = spec.electrons;
+    options.spinSpin = spec.spinSpin;
+    auto freeIon = buildFreeIonOperators(tables, options);
+    if (freeIon.basis.states.empty()) throw UserError(kRealEngineError, "no |SLJ> state is left in the basis");
+    for (const auto& component : freeIon.components) {
+        const auto id = parameterIdOf(component.name);
+        model.freeIonIds_.push_back(*id);
+        model.freeIonSigns_.push_back(model.conjugate_ && freeIonChangesSign(*id) ? -1.0 : 1.0);
+    }
+    model.tables_ = std::make_shared<const EngineTables>(std::move(tables));
+    model.freeIon_ = std::make_shared<const FreeIonOperators>(std::move(freeIon));
+    model.correlation_ = correlation;
+    if (spec.crystalField) model.buildCrystalField(correlation);
+    return model;
+}
+
+void Model::buildCrystalField(const CorrelationTermTensors& correlation) {
+    const auto& basis = freeIon_->basis;
+    blocks_ = modelBlocks(basis, spec_.fold, spec_.electrons);
+    std::vector<int> jBlockOf(basis.states.size()), placeInJBlock(basis.states.size());
+    for (int jb = 0; jb < static_cast<int>(basis.blocks.size()); ++jb)
+        for (int i = 0; i < static_cast<int>(basis.blocks[jb].states.size()); ++i) {
+            jBlockOf[basis.blocks[jb].states[i]] = jb;
+            placeInJBlock[basis.blocks[jb].states[i]] = i;
+        }
+    for (const auto& block : blocks_) {
+        std::vector<Patch> patches;
+        for (int i = 0; i < static_cast<int>(block.states.size()); ++i)
+            if (placeInJBlock[block.states[i].jState] == 0) {
+                const int jb = jBlockOf[block.states[i].jState];
+                patches.push_back({jb, i, static_cast<int>(basis.blocks[jb].states.size())});
+            }
+        patches_.push_back(std::move(patches));
+    }
+    std::vector<ResidueBlock> residueForm;
+    for (const auto& block : blocks_) residueForm.push_back(residueBlockOf(block));
+    std::map<std::pair<CrystalFieldOperator, int>, Eigen::MatrixXd> inJ;  // per operator and rank
+    for (const auto& key : spec_.keys) {
+        const int kIndex = key.k / 2 - 1;
+        auto& reduced = inJ[{key.op, key.k}];
+        if (reduced.size() == 0) {
+            const auto& termTable = key.op == CrystalFieldOperator::Standard ? tables_->unitTensor[kIndex]
+                                                                             : correlation.at(key.op)[kIndex];
+            reduced = tensorBetweenJStates(*tables_, basis, termTable, key.k);
+        }
+        CrystalFieldComponent component;
+        component.reId = crystalFieldParameterId(key.op, key.k, key.q, false);
+        component.imId = crystalFieldParameterId(key.op, key.k, key.q, true);
+        // U(k), k even, changes sign in the conjugate shell; the correlation operators keep theirs.
+        component.sign = conjugate_ && key.op == CrystalFieldOperator::Standard ? -1.0 : 1.0;
+        for (const auto& block : residueForm) {
+            component.real.emplace_back(crystalFieldBlockComponent(block, reduced, key, 1.0));
+            if (spec_.complex && key.q > 0)
+                component.imaginary.emplace_back(crystalFieldBlockComponent(block, reduced, key, -1.0));
+        }
+        crystalField_.push_back(std::move(component));
+    }
+}
+
+std::vector<ParameterId> Model::parameterIds() const {
+    std::vector<ParameterId> ids = freeIonIds_;
+    for (const auto& component : crystalField_) {
+        ids.push_back(component.reId);
+        if (!component.imaginary.empty()) ids.push_back(component.imId);
+    }
+    return ids;
+}
+
+double Model::routeSign(ParameterId id) const {
+    if (!conjugate_) return 1.0;
+    if (const auto part = crystalFieldPartOf(id)) return part->key.op == CrystalFieldOperator::Standard ? -1.0 : 1.0;
+    return freeIonChangesSign(id) ? -1.0 : 1.0;
+}
+
+void Model::fillFreeIonMatrices(const ParameterVector& parameters, std::vector<Eigen::MatrixXd>& out) const {
+    const auto& basis = freeIon_->basis;
+    out.resize(basis.blocks.size());
+    for (std::size_t b = 0; b < basis.blocks.size(); ++b) {
+        const auto size = static_cast<Eigen::Index>(basis.blocks[b].states.size());
+        out[b].setZero(size, size);
+    }
+    for (std::size_t c = 0; c < freeIon_->components.size(); ++c) {
+        const double weight = freeIonSigns_[c] * parameters.value(freeIonIds_[c]);
+        if (weight == 0.0) continue;
+        const auto& component = freeIon_->components[c];
+        for (std::size_t b = 0; b < out.size(); ++b) out[b].noalias() += weight * component.blocks[b];
+    }
+}
+
+std::vector<Eigen::MatrixXd> Model::freeIonMatrices(const ParameterVector& parameters) const {
+    std::vector<Eigen::MatrixXd> matrices;
+    fillFreeIonMatrices(parameters, matrices);
+    return matrices;
+}
+
+template <typename Scalar>
+void Model::fillBlock(std::size_t b, const std::vector<Eigen::MatrixXd>& freeIon, const ParameterVector& parameters,
+                      Eigen::Map<Eigen::Matrix<Scalar, Eigen::Dynamic, Eigen::Dynamic>> matrix) const {
+    matrix.setZero();
+    for (const auto& patch : patches_[b])
+        matrix.block(patch.offset, patch.offset, patch.size, patch.size) = freeIon[patch.jBlock].template cast<Scalar>();
+    for (const auto& component : crystalField_) {
+        const double re = component.sign * parameters.value(component.reId);
+        if (re != 0.0) {
+            const auto& part = component.real[b];
+            for (Eigen::Index row = 0; row < part.outerSize(); ++row)
+                for (typename std::decay_t<decltype(part)>::InnerIterator it(part, row); it; ++it)
+                    matrix(row, it.col()) += re * it.value();
+        }
+        if constexpr (std::is_same_v<Scalar, Complex>) {
+            if (component.imaginary.empty()) continue;
+            const double im = component.sign * parameters.value(component.imId);
+            if (im == 0.0) continue;
+            const auto& part = component.imaginary[b];
+            for (Eigen::Index row = 0; row < part.outerSize(); ++row)
+                for (typename std::decay_t<decltype(part)>::InnerIterator it(part, row); it; ++it)
+                    matrix(row, it.col()) += Complex(0.0, im * it.value());
+        }
+    }
+}
+
+Eigen::MatrixXd Model::blockMatrix(std::size_t b, const ParameterVector& parameters) const {
+    const auto freeIon = freeIonMatrices(parameters);
+    const auto n = static_cast<Eigen::Index>(blocks_[b].states.size());
+    Eigen::MatrixXd matrix(n, n);
+    fillBlock<double>(b, freeIon, parameters, Eigen::Map<Eigen::MatrixXd>(matrix.data(), n, n));
+    return matrix;
+}
+
+Eigen::MatrixXd Model::imaginaryBlockMatrix(std::size_t b, const ParameterVector& parameters) const {
+    const auto n = static_cast<Eigen::Index>(blocks_[b].states.size());
+    Eigen::MatrixXd matrix = Eigen::MatrixXd::Zero(n, n);
+    for (const auto& component : crystalField_)
+        if (!component.imaginary.empty())
+            matrix += component.sign * parameters.value(component.imId) * Eigen::MatrixXd(component.imaginary[b]);
+    return matrix;
+}
+
+// dE/dp = <v| dH/dp |v> in the level's block (free-ion components act on the
+// (MJ, J) patches; a crystal-field part i A contributes i <v|A|v>, real).
+double Model::levelDerivative(std::size_t b, const ModelLevel& level, ParameterId id) const {
+    const bool complex = level.complexVector.size() > 0;
+    auto quadratic = [&](const auto& matrix) -> Complex {
+        if (complex) return level.complexVector.dot(matrix.template cast<Complex>() * level.complexVector);
+        return level.vector.dot(matrix * level.vector);
+    };
+    for (std::size_t c = 0; c < freeIonIds_.size(); ++c) {
+        if (freeIonIds_[c] != id) continue;
+        double sum = 0.0;
+        for (const auto& patch : patches_[b]) {
+            const auto& block = freeIon_->components[c].blocks[patch.jBlock];
+            if (complex) {
+                const Eigen::VectorXcd v = level.complexVector.segment(patch.offset, patch.size);
+                sum += v.dot(block.cast<Complex>() * v).real();
+            } else {
+                const Eigen::VectorXd v = level.vector.segment(patch.offset, patch.size);
+                sum += v.dot(block * v);
+            }
+        }
+        return freeIonSigns_[c] * sum;
+    }
+    for (const auto& component : crystalField_) {
+        if (component.reId == id) return component.sign * quadratic(component.real[b]).real();
+        if (component.imId == id && !component.imaginary.empty())
+            return -component.sign * quadratic(component.imaginary[b]).imag();
+    }
+    return 0.0;
+}
+
+ModelSolution Model::solve(const ParameterVector& parameters, const SolveRequest& request,
+                           ModelWorkspace& workspace) const {
+    ModelSolution solution;
+    fillFreeIonMatrices(parameters, workspace.freeIon);
+    const bool freeIonOnly = !spec_.crystalField;
+    if (request.freeIon || freeIonOnly) {
+        for (std::size_t b = 0; b < workspace.freeIon.size(); ++b) {
+            const auto n = static_cast<int>(workspace.freeIon[b].rows());
+            workspace.real.matrix(n) = workspace.freeIon[b];
+            // MRRR keeps the free-ion vectors' phases those of earlier releases.
+            const auto status = workspace.real.solve({true, kAllEigenvalues, EigenDriver::Mrrr});
+            if (status != EigenStatus::Ok) {
+                solution.status = status;
+                return solution;
+            }
+            for (int i = 0; i < workspace.real.count(); ++i)
+                solution.freeIon.levels.push_back({static_cast<int>(b), freeIon_->basis.blocks[b].twiceJ,
+                                                   workspace.real.values()(i), workspace.real.vectors().col(i)});
+        }
+        std::stable_sort(solution.freeIon.levels.begin(), solution.freeIon.levels.end(),
+                         [](const FreeIonLevel& x, const FreeIonLevel& y) { return x.energy < y.energy; });
+    }
+    if (freeIonOnly) {
+        if (!request.derivatives.empty()) {
+            solution.derivatives.resize(static_cast<Eigen::Index>(solution.freeIon.levels.size()),
+                                        static_cast<Eigen::Index>(request.derivatives.size()));
+            for (std::size_t l = 0; l < solution.freeIon.levels.size(); ++l) {
+                const auto& level = solution.freeIon.levels[l];
+                for (std::size_t p = 0; p < request.derivatives.size(); ++p) {
+                    double value = 0.0;
+                    for (std::size_t c = 0; c < freeIonIds_.size(); ++c)
+                        if (freeIonIds_[c] == request.derivatives[p])
+                            value = freeIonSigns_[c] *
+                                    level.vector.dot(freeIon_->components[c].blocks[level.block] * level.vector);
+                    solution.derivatives(static_cast<Eigen::Index>(l), static_cast<Eigen::Index>(p)) = value;
+                }
+            }
+        }
+        return solution;
+    }
+
+    const bool vectors = request.vectors || !request.derivatives.empty();
+    const EigenRequest eigen{vectors, request.lowest, EigenDriver::Automatic};
+    std::vector<std::size_t> first(blocks_.size(), 0), count(blocks_.size(), 0);
+    for (std::size_t b = 0; b < blocks_.size(); ++b) {
+        first[b] = solution.levels.size();
+        const int partner = blocks_[b].partner;
+        if (partner >= 0) {
+            count[b] = count[partner];
+            const auto map = vectors ? timeReversal(blocks_[partner], blocks_[b]) : TimeReversal{};
+            for (std::size_t i = 0; i < count[b]; ++i) {
+                const ModelLevel& source = solution.levels[first[partner] + i];
+                ModelLevel level{source.energy, static_cast<int>(b), {}, {}};
+                if (source.vector.size() > 0) level.vector = timeReversed(map, source.vector);
+                if (source.complexVector.size() > 0) level.complexVector = timeReversed(map, source.complexVector);
+                solution.levels.push_back(std::move(level));
+            }
+            continue;
+        }
+        const int n = static_cast<int>(blocks_[b].states.size());
+        auto collect = [&](auto& eigenWorkspace, auto assignVector) {
+            const auto status = eigenWorkspace.solve(eigen);
+            if (status != EigenStatus::Ok) return status;
+            count[b] = static_cast<std::size_t>(eigenWorkspace.count());
+            for (int i = 0; i < eigenWorkspace.count(); ++i) {
+                ModelLevel level{eigenWorkspace.values()(i), static_cast<int>(b), {}, {}};
+                if (vectors) assignVector(level, eigenWorkspace.vectors().col(i));
+                solution.levels.push_back(std::move(level));
+            }
+            return status;
+        };
+        EigenStatus status;
+        if (spec_.complex) {
+            fillBlock<Complex>(b, workspace.freeIon, parameters, workspace.complex.matrix(n));
+            status = collect(workspace.complex, [](ModelLevel& level, const auto& v) { level.complexVector = v; });
+        } else {
+            fillBlock<double>(b, workspace.freeIon, parameters, workspace.real.matrix(n));
+            status = collect(workspace.real, [](ModelLevel& level, const auto& v) { level.vector = v; });
+        }
+        if (status != EigenStatus::Ok) {
+            solution.status = status;
+            solution.levels.clear();
+            return solution;
+        }
+    }
+    std::stable_sort(solution.levels.begin(), solution.levels.end(),
+                     [](const ModelLevel& x, const ModelLevel& y) { return x.energy < y.energy; });
+    if (request.lowest >= 0 && solution.levels.size() > static_cast<std::size_t>(request.lowest))
+        solution.levels.resize(static_cast<std::size_t>(request.lowest));
+    if (!request.derivatives.empty()) {
+        solution.derivatives.resize(static_cast<Eigen::Index>(solution.levels.size()),
+                                    static_cast<Eigen::Index>(request.derivatives.size()));
+        for (std::size_t l = 0; l < solution.levels.size(); ++l)
+            for (std::size_t p = 0; p < request.derivatives.size(); ++p)
+                solution.derivatives(static_cast<Eigen::Index>(l), static_cast<Eigen::Index>(p)) =
+                    levelDerivative(static_cast<std::size_t>(solution.levels[l].block), solution.levels[l],
+                                    request.derivatives[p]);
+        if (!request.vectors)
+            for (auto& level : solution.levels) {
+                level.vector.resize(0);
+                level.complexVector.resize(0);
+            }
+    }
+    return solution;
+}
+
+}  // namespace orvane
