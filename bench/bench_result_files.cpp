@@ -20,12 +20,12 @@
 #include "core/atomic_file.hpp"
 #include "core/log_book.hpp"
 #include "core/settings_store.hpp"
-#include "engine/energy_file.hpp"
+#include "report/energy_file.hpp"
 #include "engine/energy_levels.hpp"
 #include "engine/level_labels.hpp"
 #include "engine/parameter_file.hpp"
-#include "engine/run_driver.hpp"
-#include "engine/state_vector_file.hpp"
+#include "report/run_driver.hpp"
+#include "report/state_vector_file.hpp"
 
 namespace {
 

@@ -11,7 +11,7 @@
 #include "core/log_book.hpp"
 #include "core/user_error.hpp"
 #include "tables/fractional_parentage.hpp"
-#include "tables/interactive_generators.hpp"
+#include "interactive/interactive_generators.hpp"
 #include "tables/published_tables.hpp"
 #include "tables/reduced_tables.hpp"
 #include "tables/table_directory.hpp"

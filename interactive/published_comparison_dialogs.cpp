@@ -1,9 +1,9 @@
-#include "tables/published_comparison_dialogs.hpp"
+#include "interactive/published_comparison_dialogs.hpp"
 
 #include <filesystem>
 
 #include "core/text.hpp"
-#include "tables/interactive_generators.hpp"
+#include "interactive/interactive_generators.hpp"
 
 namespace orvane {
 

@@ -1,4 +1,4 @@
-#include "tables/interactive_generators.hpp"
+#include "interactive/interactive_generators.hpp"
 
 #include <optional>
 #include <stdexcept>
@@ -10,6 +10,7 @@
 #include "core/number_format.hpp"
 #include "core/text.hpp"
 #include "core/user_error.hpp"
+#include "interactive/table_file_prompts.hpp"
 #include "tables/fractional_parentage.hpp"
 #include "tables/lccf_table.hpp"
 #include "tables/reduced_tables.hpp"

@@ -3,11 +3,12 @@
 // calculation its mode asks for, and writes the general output, the state
 // vectors and the energies (".gen", ".ev", ".eng"; "_fi.*" for free-ion runs).
 //
+// The run asks nothing: the questions of an interactive run (parameter file,
+// run inputs, table folder) are put by interactive/run_dialogs.hpp, which then
+// calls runEngine.
+//
 // Settings (section "Settings" of the settings store):
-//   "InteractivePrompt" 1: ask "min. value of eigenstate to be processed is ",
-//       "Give the no. of eigenvectors to be stored (0 by default) >" and
-//       "Give the shift in calculated energies (0 by default) >" before the run
-//       (a non-numeric answer keeps the request's value); default 0.
+//   "InteractivePrompt" 1: the interactive layer asks the run inputs; default 0.
 //   "KeepEnergies" 0: discard the energy file in mode 2 always and in mode 0
 //       once the run counter reaches 10; default 1.
 //   "RunCounter": runs so far; every completed run adds one. A caller that
@@ -17,14 +18,16 @@
 // to temporary files and renamed only when the whole run succeeded; a failed
 // run leaves every result file as it was. An output named "nul:" is skipped.
 #include <filesystem>
+#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "core/asker.hpp"
 #include "core/log_book.hpp"
 #include "core/settings_store.hpp"
+#include "core/user_error.hpp"
 #include "engine/level_labels.hpp"
-#include "engine/run_request.hpp"
+#include "report/run_request.hpp"
 
 namespace orvane {
 
@@ -36,9 +39,12 @@ inline constexpr const char* kOrvaneVersion = "2.0";
 
 struct RunEnvironment {
     LogBook& log;
-    Asker& asker;
     SettingsStore& settings;
     std::filesystem::path tableDirectory;
+    // Called when the tables can neither be found nor generated (an error of
+    // category Tables): another directory to try, or std::nullopt to give up.
+    // Empty: give up at once.
+    std::function<std::optional<std::filesystem::path>(const UserError&)> tablesMissing = {};
 };
 
 struct RunOutcome {
@@ -51,11 +57,10 @@ struct RunOutcome {
     bool showGeneralOutput = false;    // the general output was written, is not empty and the counter is below 10
 };
 
-// Runs mode `mode` (last decimal digit 0, 1, 2, 5) on the parameter file; an
-// empty path asks for one ("File for Free-in and Crystal Field Parameters ").
+// Runs mode `mode` (last decimal digit 0, 1, 2, 5) on the parameter file.
 // Throws UserError with the engine's titles ("Error in Main" for reading,
 // "Error in real CF main program", "Error in main program for complex CF",
-// "Error in sorting energies", "Error in storing up energies").
+// "Error in sorting energies", "Error in storing up energies"), each with its ErrorCategory.
 RunOutcome runEngine(int mode, std::filesystem::path parameterFile, RunRequest request, RunEnvironment& environment);
 
 }  // namespace orvane

@@ -2,7 +2,7 @@
 #include <cmath>
 
 #include "core/angular.hpp"
-#include "core/calculators.hpp"
+#include "interactive/calculators.hpp"
 #include "core/number_format.hpp"
 #include "core/text.hpp"
 

@@ -1,4 +1,4 @@
-#include "engine/run_request.hpp"
+#include "report/run_request.hpp"
 
 #include <cstdlib>
 

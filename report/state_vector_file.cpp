@@ -1,4 +1,4 @@
-#include "engine/state_vector_file.hpp"
+#include "report/state_vector_file.hpp"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "engine/run_driver.hpp"
+#include "report/run_driver.hpp"
 
 #include <algorithm>
 #include <memory>
@@ -12,40 +12,35 @@
 #include "core/text.hpp"
 #include "core/user_error.hpp"
 #include "engine/barycentre_shift.hpp"
-#include "engine/energy_file.hpp"
+#include "report/energy_file.hpp"
 #include "engine/energy_levels.hpp"
 #include "engine/engine_errors.hpp"
 #include "engine/free_ion_contributions.hpp"
-#include "engine/general_output.hpp"
+#include "report/general_output.hpp"
 #include "engine/j_multiplet_elements.hpp"
 #include "engine/parameter_file.hpp"
 #include "engine/run_switches.hpp"
-#include "engine/state_vector_file.hpp"
+#include "report/state_vector_file.hpp"
 #include "params/cf_invariants.hpp"
 
 namespace orvane {
 
 namespace {
 
-constexpr const char* kMainError = "Error in Main";
-constexpr const char* kTableBuildError = "Error in building tables";
+constexpr ErrorCategory kMainError = ErrorCategory::Main;
 constexpr const char* kTransformedLine = "Storing transformed reduced matrix elements";
 constexpr const char* kMatrixStart = "### Hamiltonian matrix elements of dim = ";
 constexpr const char* kComplexMatrixStart = "### Complex Hamiltonian matrix elements ";
 constexpr const char* kMatrixEnd = "### End of Hamiltonian matrix elements ###";
-
-class NullLogBook final : public LogBook {
-public:
-    void appendLine(std::string_view) override {}
-};
 
 // Lines into a result file's stream, without flushing each line (the general
 // output of a large run has about a million lines).
 class BufferedStreamLogBook final : public LogBook {
 public:
     explicit BufferedStreamLogBook(std::ostream& out) : out_(out) {}
-    void appendLine(std::string_view line) override {
-        out_.write(line.data(), static_cast<std::streamsize>(line.size()));
+    void record(const LogEvent& event) override {
+        if (!isPrintedEvent(event)) return;
+        out_.write(event.text.data(), static_cast<std::streamsize>(event.text.size()));
         out_.put('\n');
     }
 
@@ -57,9 +52,9 @@ private:
 class TeeLogBook final : public LogBook {
 public:
     TeeLogBook(LogBook& first, LogBook& second) : first_(first), second_(second) {}
-    void appendLine(std::string_view line) override {
-        first_.appendLine(line);
-        second_.appendLine(line);
+    void record(const LogEvent& event) override {
+        first_.record(event);
+        second_.record(event);
     }
 
 private:
@@ -83,49 +78,26 @@ private:
     std::unique_ptr<AtomicFileWriter> writer_;
 };
 
-void askRunInputs(Asker& asker, RunRequest& request) {
-    if (const auto answer = asker.askLine({"min. value of eigenstate to be processed is ", "", request.minComponent})) {
-        const auto value = parseNumber(trim(*answer));
-        if (value && *value >= 0.0 && *value < 1.0) request.minComponent = std::string(trim(*answer));
-    }
-    if (const auto answer = asker.askLine({"Give the no. of eigenvectors to be stored (0 by default) >", "",
-                                           std::to_string(request.eigenvectorsToStore)})) {
-        const auto value = parseInteger(trim(*answer));
-        if (value && *value >= 0) request.eigenvectorsToStore = *value;
-    }
-    if (const auto answer = asker.askLine({"Give the shift in calculated energies (0 by default) >", "",
-                                           fmt::format("{}", request.energyShift)})) {
-        if (const auto value = parseNumber(trim(*answer))) request.energyShift = *value;
-    }
-}
-
-std::filesystem::path askParameterFile(Asker& asker) {
-    const auto answer = asker.askLine({"Par files|*.par|All files|*.*", "File for Free-in and Crystal Field Parameters ", ""});
-    if (!answer || trim(*answer).empty()) throw UserError(kMainError, "no parameter file was chosen");
-    return std::string(trim(*answer));
-}
-
 struct EngineRun {
     EnergyLevelResult result;
     std::filesystem::path tableDirectory;  // where the tables were found
 };
 
-// Runs the engine; when the tables can neither be found nor generated, asks
-// for the folder that holds them ("GIVE FILE NAME FOR U(6) RME from ").
+// Runs the engine; when the tables can neither be found nor generated, the
+// environment is asked for another directory.
 EngineRun runWithTables(const ParameterSet& set, const EnergyLevelOptions& options, RunEnvironment& environment,
-                        LogBook& engineLog, const char* engineError) {
+                        LogBook& engineLog, ErrorCategory engineError) {
     auto directory = environment.tableDirectory;
     for (;;) {
         try {
             return {computeEnergyLevels(set, directory, engineLog, options), directory};
         } catch (const UserError& error) {
-            if (error.title() != kTableBuildError) throw;
-            const auto answer = environment.asker.askLine({"GIVE FILE NAME FOR U(6) RME from ", "", ""});
-            if (!answer || trim(*answer).empty())
+            if (error.category() != ErrorCategory::Tables) throw;
+            const auto given = environment.tablesMissing ? environment.tablesMissing(error) : std::nullopt;
+            if (!given)
                 throw UserError(engineError, std::string("tables of reduced matrix elements unavailable: ") +
                                                  error.what());
-            std::filesystem::path given = std::string(trim(*answer));
-            directory = std::filesystem::is_directory(given) ? given : given.parent_path();
+            directory = *given;
         } catch (const std::exception& error) {
             throw UserError(engineError, error.what());
         }
@@ -167,7 +139,7 @@ std::array<double, 3> appliedInvariants(const EnergyLevelResult& result) {
 void requireAscending(const std::vector<ResultLevel>& levels) {
     for (std::size_t i = 1; i < levels.size(); ++i)
         if (!(levels[i].energy >= levels[i - 1].energy))
-            throw UserError("Error in sorting energies",
+            throw UserError(ErrorCategory::SortingEnergies,
                             fmt::format("level {} ({}) lies below level {} ({})", i + 1, levels[i].energy, i,
                                         levels[i - 1].energy));
 }
@@ -184,14 +156,15 @@ RunOutcome runEngine(int mode, std::filesystem::path parameterFile, RunRequest r
     outcome.kind = runKindOfMode(mode);
     const bool freeIon = isFreeIonRun(outcome.kind);
     const bool complex = outcome.kind == RunKind::ComplexCrystalField;
-    const char* engineError = complex ? kComplexEngineError : kRealEngineError;
+    const ErrorCategory engineError = complex ? kComplexEngineError : kRealEngineError;
     auto& settings = environment.settings;
-    if (parameterFile.empty()) parameterFile = askParameterFile(environment.asker);
-    if (settings.readInt(kSettingsSection, kInteractivePromptKey, 0) != 0) askRunInputs(environment.asker, request);
+    if (parameterFile.empty()) throw UserError(kMainError, "no parameter file was chosen");
     const double minComponent = minComponentValue(request);
     if (request.eigenvectorsToStore < 0)
         throw UserError(kMainError, "the number of eigenvectors to store cannot be negative");
 
+    constexpr int kStages = 5;  // parameters, engine, tables, sections, files
+    environment.log.progress(LogCategory::Run, "run", 0, kStages);
     auto set = readParameterFile(parameterFile);
     set.switches = readRunSwitches(set.optionLine + " " + request.optionText + " " + engineSwitchOf(outcome.kind));
     const bool keepEnergies = settings.readInt(kSettingsSection, kKeepEnergiesKey, 1) != 0;
@@ -217,6 +190,7 @@ RunOutcome runEngine(int mode, std::filesystem::path parameterFile, RunRequest r
     progress.appendLine("no. of lowest energy eigenvectors to be stored (0 for all) = " +
                         std::to_string(request.eigenvectorsToStore));
 
+    environment.log.progress(LogCategory::Run, "run", 1, kStages);
     EnergyLevelOptions options;
     options.crystalField = !freeIon;
     options.wantVectors = true;
@@ -232,6 +206,7 @@ RunOutcome runEngine(int mode, std::filesystem::path parameterFile, RunRequest r
                                      : "Storing Free-ion  eigen energies (Free-ion) in " + outcome.names.general);
     replayEngineLog(engineLog.lines(), progress, general, freeIonStoring);
 
+    environment.log.progress(LogCategory::Run, "run", 2, kStages);
     MemoryLogBook quiet;
     EngineTables tables;
     try {
@@ -244,6 +219,7 @@ RunOutcome runEngine(int mode, std::filesystem::path parameterFile, RunRequest r
     const double shift = request.energyShift;
     writeContributions(general, freeIonContributions(result.freeIonOperators, result.freeIonWeights, result.freeIon));
 
+    environment.log.progress(LogCategory::Run, "run", 3, kStages);
     ResultBasis finalBasis = freeIonBasis;
     if (freeIon) {
         outcome.levels = freeIonLevels;
@@ -278,6 +254,7 @@ RunOutcome runEngine(int mode, std::filesystem::path parameterFile, RunRequest r
         writeBarycentreShifts(general, barycentreShifts(tensors, freeIonEnergies, squared), shift);
     }
 
+    environment.log.progress(LogCategory::Run, "run", 4, kStages);
     const std::string unit(energyUnitName(set.switches.energyUnit));
     ResultFile vectorFile(outcome.names.vectors);
     if (vectorFile.wanted())
@@ -289,7 +266,7 @@ RunOutcome runEngine(int mode, std::filesystem::path parameterFile, RunRequest r
             writeEnergyText(energyFile.stream(), fmt::format("Energies ({}, shift {}): {}", unit, shift, set.title),
                             outcome.levels, shift, set.fold);
         } catch (const std::exception& error) {
-            throw UserError("Error in storing up energies", error.what());
+            throw UserError(ErrorCategory::StoringEnergies, error.what());
         }
     }
     general.appendLine("***** Work Completed on " + timeStamp() + " *****");
@@ -298,11 +275,12 @@ RunOutcome runEngine(int mode, std::filesystem::path parameterFile, RunRequest r
     try {
         energyFile.commit();
     } catch (const UserError& error) {
-        throw UserError("Error in storing up energies", error.what(), error.where());
+        throw UserError(ErrorCategory::StoringEnergies, error.what(), error.where());
     }
     vectorFile.commit();
     generalFile.commit();
 
+    environment.log.progress(LogCategory::Run, "run", kStages, kStages);
     settings.write(kSettingsSection, kRunCounterKey, std::to_string(runCounter + 1));
     outcome.request = request;
     outcome.showGeneralOutput = generalFile.wanted() && runCounter < kRunCounterLimit;

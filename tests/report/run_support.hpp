@@ -1,19 +1,18 @@
 #pragma once
-// Parameter files and a run environment for the run-driver and result-file tests.
+// Parameter sets and a run environment for the report tests.
 #include <filesystem>
 #include <string>
 
-#include "core/asker.hpp"
 #include "core/log_book.hpp"
 #include "core/settings_store.hpp"
 #include "engine/parameter_file.hpp"
-#include "engine/run_driver.hpp"
+#include "report/run_driver.hpp"
 #include "tests/engine/engine_test_support.hpp"
 
 namespace orvane::test {
 
-// Pr3+:LaF3, Carnall, Goodman, Rajnak & Rana, J. Chem. Phys. 90, 3443 (1989), Table I,
-// with M2, M4, P4, P6 as in physics notes 14.4 (SOO + ECSO, no spin-spin: "/noss").
+// Pr3+:LaF3, Carnall, Goodman, Rajnak & Rana, J. Chem. Phys. 90, 3443 (1989),
+// Table I (no spin-spin: "/noss").
 inline ParameterSet praseodymiumLaF3(bool crystalField = true) {
     ParameterSet set;
     set.title = "Pr3+:LaF3";
@@ -52,12 +51,11 @@ inline std::filesystem::path writeSet(const std::filesystem::path& dir, const st
     return path;
 }
 
-// A run environment with memory log, scripted answers and memory settings.
+// A run environment with a memory log and memory settings.
 struct TestRun {
     MemoryLogBook log;
-    ScriptedAsker asker;
     MemorySettingsStore settings;
-    RunEnvironment environment{log, asker, settings, engineTableDirectory()};
+    RunEnvironment environment{log, settings, engineTableDirectory()};
 };
 
 }  // namespace orvane::test

@@ -1,7 +1,7 @@
-#include "params/sm_dialogs.hpp"
+#include "interactive/superposition_dialogs.hpp"
 
 #include "core/text.hpp"
-#include "params/cf_rotation_dialogs.hpp"
+#include "interactive/cf_rotation_dialogs.hpp"
 
 namespace orvane::params {
 

@@ -1,6 +1,5 @@
-// The interactive checks of one published table file: prompts, verdict lines,
-// and the difference between a wrong published element (listed as a published
-// error) and a table that does not match (a mismatch).
+// The checks of one published table file: a wrong published element is listed
+// as a published error, a table that does not match is a mismatch.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -11,7 +10,7 @@
 #include "core/atomic_file.hpp"
 #include "core/log_book.hpp"
 #include "core/user_error.hpp"
-#include "tables/published_comparison_dialogs.hpp"
+#include "interactive/published_comparison_dialogs.hpp"
 #include "tests/support/reference_data.hpp"
 #include "tests/tables/all_configuration_tables.hpp"
 
@@ -57,39 +56,6 @@ std::filesystem::path editedFolder(const std::filesystem::path& reference, const
     if (at != std::string::npos) text.replace(at, from.size(), to);
     writeFileAtomically(folder / "f3cross", text);
     return folder;
-}
-
-TEST(PublishedComparisonDialogs, EachCheckOfThePublishedF3File) {
-    ORVANE_REQUIRE_REFERENCE(reference);
-    const std::string file = (reference / "fncross" / "f3cross").string();
-    struct Case {
-        PublishedCheck check;
-        const char* prompt;
-        std::vector<std::string> lastLines;
-    };
-    const std::vector<Case> cases{
-        {PublishedCheck::UnitTensorsAndSpinOrbit,
-         "GIVE FILE NAME FOR getting Torvelde's ME of U(k) and spin-orbit operators from",
-         {kUkAgree, "Finished comparing reduced matrix elements of  U(k) and V(11) operators for f3"}},
-        {PublishedCheck::Electrostatic,
-         "GIVE FILE NAME FOR getting Torvelde's ME of 2-particle electrostatic interaction operators from", {kEsAgree}},
-        {PublishedCheck::ThreeBody, "GIVE FILE NAME FOR getting Torvelde's ME of ti (ordinary) operators from",
-         {"Finished comparing reduced matrix elements of  ti operators for f3"}},
-        {PublishedCheck::MkPk, "GIVE FILE NAME FOR getting Torvelde's ME of mk and pk operators from",
-         {"Finished comparing reduced matrix elements of  mk and pk operators for f3"}},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.prompt);
-        const auto run = runDialog(c.check, {"3", file});
-        ASSERT_TRUE(run.agrees.has_value());
-        EXPECT_TRUE(*run.agrees);
-        EXPECT_EQ(run.prompts, (std::vector<std::string>{"give no. of electron >", c.prompt}));
-        ASSERT_GE(run.lines.size(), c.lastLines.size());
-        const std::vector<std::string> tail(run.lines.end() - static_cast<long>(c.lastLines.size()), run.lines.end());
-        EXPECT_EQ(tail, c.lastLines);
-    }
-    // The known published error of f3 (README 1.8: E-S T7 of 2L is -0.026053, correct -0.026503).
-    EXPECT_TRUE(hasLine(runDialog(PublishedCheck::ThreeBody, {"3", file}), "published error  f3 T7 2L 2L"));
 }
 
 TEST(PublishedComparisonDialogs, WrongPublishedElementIsAPublishedErrorNotAMismatch) {
@@ -147,46 +113,6 @@ TEST(PublishedComparisonDialogs, GeneratorFaultInTheCoulombMatrixIsAMismatch) {
     EXPECT_FALSE(publishedCheckAgrees(result, PublishedCheck::Electrostatic));
     EXPECT_TRUE(publishedCheckAgrees(result, PublishedCheck::UnitTensorsAndSpinOrbit));
     EXPECT_EQ(publishedCheckLines(result, PublishedCheck::UnitTensorsAndSpinOrbit, false).front(), kUkAgree);
-}
-
-TEST(PublishedComparisonDialogs, DifferentTermListsFailEveryCheck) {
-    PublishedConfigurationResult result;
-    result.tables.electrons = 3;
-    result.tables.termsAgree = false;
-    result.hasElectrostatic = true;
-    const std::string differ = "  the term list of the published file differs from the generated one";
-    EXPECT_EQ(publishedCheckLines(result, PublishedCheck::UnitTensorsAndSpinOrbit, true),
-              (std::vector<std::string>{differ, kUkDiffer,
-                                        "Finished comparing reduced matrix elements of  U(k) and V(11) operators for f3"}));
-    EXPECT_EQ(publishedCheckLines(result, PublishedCheck::Electrostatic, true),
-              (std::vector<std::string>{differ, kEsDiffer}));
-    EXPECT_EQ(publishedCheckLines(result, PublishedCheck::ThreeBody, true),
-              (std::vector<std::string>{differ, "Finished comparing reduced matrix elements of  ti operators for f3"}));
-    for (auto check : {PublishedCheck::UnitTensorsAndSpinOrbit, PublishedCheck::Electrostatic, PublishedCheck::ThreeBody,
-                       PublishedCheck::MkPk})
-        EXPECT_FALSE(publishedCheckAgrees(result, check));
-}
-
-TEST(PublishedComparisonDialogs, QuestionsAndMissingFiles) {
-    ORVANE_REQUIRE_REFERENCE(reference);
-    // A wrong number of electrons is asked again; a cancelled file question ends without a verdict.
-    const auto cancelled = runDialog(PublishedCheck::Electrostatic, {"0", "3"});
-    EXPECT_FALSE(cancelled.agrees.has_value());
-    EXPECT_EQ(cancelled.prompts.size(), 3u);
-    EXPECT_TRUE(hasLine(cancelled, "Wrong no. of e- !!!"));
-    // f1 has no E-S block.
-    const auto f1 = runDialog(PublishedCheck::Electrostatic, {"1", (reference / "fncross" / "f1cross").string()});
-    ASSERT_TRUE(f1.agrees.has_value());
-    EXPECT_EQ(f1.lines.back().rfind("No E-S block for f1 in ", 0), 0u);
-    // The phases of f3 need f1cross and f2cross beside the given file.
-    const auto folder = test::scratchDirectory("lonely-f3");
-    writeFileAtomically(folder / "f3cross", readTextFile(reference / "fncross" / "f3cross"));
-    try {
-        runDialog(PublishedCheck::ThreeBody, {"3", (folder / "f3cross").string()});
-        FAIL() << "missing f1cross accepted";
-    } catch (const UserError& e) {
-        EXPECT_NE(std::string(e.what()).find("f1cross not found"), std::string::npos) << e.what();
-    }
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
-// The platform seams: log book, questions to the user, settings store and
-// atomic result files.
+// The platform seams: log book events, questions to the user, settings store,
+// atomic result files and error categories.
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -15,14 +15,22 @@
 namespace orvane {
 namespace {
 
-TEST(LogBook, MemoryKeepsLinesInOrder) {
-    MemoryLogBook log;
-    log.appendLine("first");
-    log.appendLine("second line");
-    EXPECT_EQ(log.text(), "first\nsecond line\n");
-    EXPECT_TRUE(log.contains("cond li"));
-    EXPECT_FALSE(log.contains("third"));
-    EXPECT_EQ(logSeparatorLine(), std::string(55, '#'));
+TEST(LogBook, EventsReachTheCallbackAndOnlyLinesArePrinted) {
+    std::vector<LogEvent> events;
+    CallbackLogBook sink([&](const LogEvent& event) { events.push_back(event); });
+    sink.appendLine("first");
+    sink.progress(LogCategory::Tables, "configuration tables", 3, 14);
+    sink.warn(LogCategory::FreeIon, "careful");
+    ASSERT_EQ(events.size(), 3u);
+    EXPECT_EQ(events[0].kind, LogEventKind::Line);
+    EXPECT_EQ(events[1].category, LogCategory::Tables);
+    EXPECT_EQ(events[1].done, 3);
+    EXPECT_EQ(events[1].total, 14);
+    EXPECT_EQ(events[2].kind, LogEventKind::Warning);
+    std::ostringstream out;
+    StreamLogBook terminal(out);
+    for (const auto& event : events) terminal.record(event);
+    EXPECT_EQ(out.str(), "first\ncareful\n");
 }
 
 TEST(LogBook, FileLogAppendsAcrossInstances) {
@@ -37,17 +45,6 @@ TEST(LogBook, FileLogAppendsAcrossInstances) {
     EXPECT_THROW(FileLogBook(dir / "no" / "such" / "dir" / "log.txt"), UserError);
 }
 
-TEST(Asker, TerminalReadsLinesAndDefaults) {
-    std::istringstream in("1 2 3\n\r\n\n");
-    std::ostringstream out;
-    TerminalAsker asker(in, out);
-    EXPECT_EQ(asker.askLine({"Give values >", "", ""}), "1 2 3");
-    EXPECT_EQ(asker.askLine({"Store into file", "", "CFP.VAL"}), "CFP.VAL");
-    EXPECT_EQ(asker.askLine({"Empty ends", "", ""}), "");
-    EXPECT_EQ(asker.askLine({"End of input", "", ""}), std::nullopt);
-    EXPECT_NE(out.str().find("Give values >"), std::string::npos);
-}
-
 TEST(Asker, TerminalChoiceRepeatsUntilUnderstood) {
     std::istringstream in("maybe\nY\nc\n");
     std::ostringstream out;
@@ -57,20 +54,6 @@ TEST(Asker, TerminalChoiceRepeatsUntilUnderstood) {
     // Input ended: the safe answer.
     EXPECT_EQ(asker.askChoice("Clear Log Book", "Clear?", Buttons::YesNoCancel), Choice::Cancel);
     EXPECT_EQ(asker.askChoice("Question", "Go on?", Buttons::YesNo), Choice::No);
-}
-
-TEST(Asker, ScriptedRecordsQuestionsAndMessages) {
-    ScriptedAsker asker({"5", ""}, {Choice::No});
-    EXPECT_EQ(asker.askLine({"give no. of electron >", "", ""}), "5");
-    EXPECT_EQ(asker.askLine({"Store CFP into file ", "", "CFP.VAL"}), "CFP.VAL");
-    EXPECT_EQ(asker.askLine({"anything more?", "", ""}), std::nullopt);
-    asker.showMessage("Error in Main", "Incorrect Slater paramter type!!");
-    EXPECT_EQ(asker.askChoice("Check", "Update?", Buttons::YesNoCancel), Choice::No);
-    EXPECT_EQ(asker.askChoice("Check", "Update?", Buttons::YesNoCancel), Choice::Cancel);
-    ASSERT_EQ(asker.questions().size(), 3u);
-    EXPECT_EQ(asker.questions()[1].prompt, "Store CFP into file ");
-    ASSERT_EQ(asker.messages().size(), 3u);
-    EXPECT_EQ(asker.messages()[0], "Error in Main: Incorrect Slater paramter type!!");
 }
 
 TEST(SettingsStore, IniSurvivesReopeningAndKeepsSections) {
@@ -89,16 +72,6 @@ TEST(SettingsStore, IniSurvivesReopeningAndKeepsSections) {
     EXPECT_EQ(reopened.read("Files", "file1"), "/data/Er.par");
     EXPECT_EQ(reopened.read("Files", "file2"), std::nullopt);
     EXPECT_EQ(reopened.read("Settings", "file1"), std::nullopt);  // sections are separate
-}
-
-TEST(SettingsStore, MalformedIniLinesAreIgnored) {
-    const auto values = parseIni("junk\n[Settings]\nMainTop = 900\nno equals\n[]\nx=1\n");
-    ASSERT_EQ(values.count("Settings"), 1u);
-    EXPECT_EQ(values.at("Settings").at("MainTop"), "900");
-    EXPECT_EQ(parseIni(formatIni(values)), values);
-    MemorySettingsStore memory;
-    memory.write("Settings", "MainWidth", "abc");
-    EXPECT_EQ(memory.readInt("Settings", "MainWidth", 6500), 6500);
 }
 
 TEST(AtomicFile, CommitReplacesAndAbandonLeavesOldContent) {
@@ -145,13 +118,32 @@ TEST(AtomicFile, FailuresNameTheFile) {
     EXPECT_FALSE(isNullOutputName("null.gen"));
 }
 
-TEST(UserError, DescribeNamesFileAndLine) {
-    const UserError located("Error in Main", "Incorrect Slater paramter type!!",
-                            FileLocation{"Er.par", 4});
+TEST(UserError, CategoriesAndTitlesCorrespond) {
+    const UserError located(ErrorCategory::Main, "Incorrect Slater paramter type!!", FileLocation{"Er.par", 4});
     EXPECT_EQ(located.describe(), "Er.par:4: Incorrect Slater paramter type!!");
     EXPECT_EQ(located.title(), "Error in Main");
+    struct Case {
+        ErrorCategory category;
+        const char* title;
+    };
+    const Case cases[] = {{ErrorCategory::RealEngine, "Error in real CF main program"},
+                          {ErrorCategory::ComplexEngine, "Error in main program for complex CF"},
+                          {ErrorCategory::Tables, "Error in building tables"},
+                          {ErrorCategory::SuperpositionModel, "Error in SM estimation"},
+                          {ErrorCategory::StoringEnergies, "Error in storing up energies"}};
+    for (const auto& c : cases) {
+        EXPECT_EQ(errorTitle(c.category), c.title);
+        EXPECT_EQ(UserError(c.title, "m").category(), c.category) << c.title;
+    }
+    // Every category has its own title.
+    for (int a = 1; a <= static_cast<int>(ErrorCategory::LogBook); ++a) {
+        const auto category = static_cast<ErrorCategory>(a);
+        EXPECT_FALSE(errorTitle(category).empty()) << a;
+        EXPECT_EQ(errorCategoryOfTitle(errorTitle(category)), category) << errorTitle(category);
+    }
     const UserError plain("Error", "Can't find input parameters file!");
-    EXPECT_EQ(plain.describe(), "Can't find input parameters file!");
+    EXPECT_EQ(plain.category(), ErrorCategory::Other);
+    EXPECT_EQ(plain.title(), "Error");
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "engine/energy_file.hpp"
+#include "report/energy_file.hpp"
 
 #include <cmath>
 #include <ostream>

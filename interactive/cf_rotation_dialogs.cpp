@@ -1,4 +1,4 @@
-#include "params/cf_rotation_dialogs.hpp"
+#include "interactive/cf_rotation_dialogs.hpp"
 
 #include <cmath>
 #include <cstdlib>

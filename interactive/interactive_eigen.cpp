@@ -1,4 +1,4 @@
-#include "core/interactive_eigen.hpp"
+#include "interactive/interactive_eigen.hpp"
 
 #include <algorithm>
 #include <cmath>

@@ -6,9 +6,8 @@
 #include <filesystem>
 #include <fstream>
 
-#include "engine/energy_file.hpp"
 #include "engine/parameter_file.hpp"
-#include "tests/cli/orvane_command_runner.hpp"
+#include "tests/interactive/orvane_command_runner.hpp"
 #include "tests/support/reference_data.hpp"
 
 namespace orvane {
@@ -25,28 +24,6 @@ std::filesystem::path copyExample(const std::filesystem::path& dir, const std::s
     std::filesystem::copy_file(test::sourceDirectory() / "examples" / "Pr3plus-LaF3.par", target,
                                std::filesystem::copy_options::overwrite_existing);
     return target;
-}
-
-TEST(RunCommand, WritesTheThreeResultFiles) {
-    const auto dir = test::scratchDirectory("cli_run_files");
-    const auto par = copyExample(dir, "Pr.par");
-    struct Case {
-        const char* flags;
-        const char* stem;
-    };
-    for (const auto& c : {Case{"", "Pr"}, Case{"--free-ion", "Pr_fi"}, Case{"--complex --vectors 3", "Pr"}}) {
-        SCOPED_TRACE(c.flags);
-        const auto result = test::runOrvane("run '" + par.string() + "' " + c.flags + " --tables '" +
-                                            tableDirectory().string() + "'");
-        ASSERT_EQ(result.exitCode, 0) << result.err;
-        EXPECT_EQ(test::lastLine(result.out), "Work completed.");
-        EXPECT_NE(result.out.find("Get parameters from "), std::string::npos);
-        for (const char* extension : {".gen", ".ev", ".eng"})
-            EXPECT_TRUE(std::filesystem::exists(dir / (std::string(c.stem) + extension))) << extension;
-        // f2: 91 crystal-field states or 13 free-ion levels.
-        const auto energies = readEnergyFile(dir / (std::string(c.stem) + ".eng"));
-        EXPECT_EQ(energies.levels.size(), std::string(c.flags) == "--free-ion" ? 13u : 91u);
-    }
 }
 
 TEST(RunCommand, BadInputExitsWithOneAndWritesNothing) {

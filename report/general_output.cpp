@@ -1,4 +1,4 @@
-#include "engine/general_output.hpp"
+#include "report/general_output.hpp"
 
 #include <algorithm>
 #include <cmath>

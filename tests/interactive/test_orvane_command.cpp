@@ -10,7 +10,7 @@
 #include <unistd.h>
 
 #include "core/atomic_file.hpp"
-#include "tests/cli/orvane_command_runner.hpp"
+#include "tests/interactive/orvane_command_runner.hpp"
 #include "tests/support/reference_data.hpp"
 
 namespace orvane {
@@ -77,40 +77,6 @@ TEST(OrvaneCommand, EigenSolvesTheExampleMatrix) {
     for (const char* value : {"1.0000000", "3.0000000", "4.0000000", "8.0000000"})
         EXPECT_NE(result.out.find(value), std::string::npos) << value;
     EXPECT_EQ(runOrvane("eigen examples/no-such-matrix.txt").exitCode, 1);
-}
-
-TEST(OrvaneCommand, InvariantsOfPrLaF3) {
-    // s_k of the Carnall et al. (1989) Pr3+:LaF3 set, physics reference 9.5:
-    // s2 = 123.551, s4 = 431.416, s6 = 529.268.
-    const auto result = runOrvane("invariants examples/Pr3plus-LaF3.par");
-    ASSERT_EQ(result.exitCode, 0) << result.err;
-    for (const char* value : {"123.551", "431.416", "529.268"})
-        EXPECT_NE(result.out.find(value), std::string::npos) << value;
-}
-
-TEST(OrvaneCommand, StevensRoundTripThroughFiles) {
-    const auto dir = test::scratchDirectory("cli_stevens");
-    const auto stevens = dir / "Pr-stevens.par";
-    const auto back = dir / "Pr-back.par";
-    ASSERT_EQ(runOrvane("convert wybourne2stevens examples/Pr3plus-LaF3.par -o '" +
-                        stevens.string() + "'")
-                  .exitCode,
-              0);
-    EXPECT_NE(slurp(stevens).find("Stevens"), std::string::npos);
-    ASSERT_EQ(runOrvane("convert stevens2wybourne '" + stevens.string() + "' -o '" + back.string() +
-                        "'")
-                  .exitCode,
-              0);
-    // The invariants survive the round trip to the printed digits.
-    const auto result = runOrvane("invariants '" + back.string() + "'");
-    EXPECT_NE(result.out.find("123.55"), std::string::npos) << result.out;
-    // Converting the wrong way is refused and writes nothing.
-    const auto refused = dir / "refused.par";
-    EXPECT_NE(runOrvane("convert stevens2wybourne examples/Pr3plus-LaF3.par -o '" +
-                        refused.string() + "'")
-                  .exitCode,
-              0);
-    EXPECT_FALSE(std::filesystem::exists(refused));
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 // The question-and-answer loop shared by the calculators, and the 3j, 6j, 9j
 // and C(k) calculators built on it.
-#include "core/calculators.hpp"
+#include "interactive/calculators.hpp"
 
 #include <functional>
 
