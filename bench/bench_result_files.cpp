@@ -115,9 +115,8 @@ void WholeRun(benchmark::State& state) {
     writeParameterFile(file, gadolinium());
     for (auto _ : state) {
         MemoryLogBook log;
-        ScriptedAsker asker;
         MemorySettingsStore settings;
-        RunEnvironment environment{log, asker, settings, benchTableDirectory()};
+        RunEnvironment environment{log, settings, benchTableDirectory()};
         auto outcome = runEngine(0, file, {}, environment);
         benchmark::DoNotOptimize(outcome.levels.data());
     }

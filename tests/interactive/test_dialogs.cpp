@@ -118,7 +118,9 @@ TEST(SuperpositionDialogs, ZeroReferenceDistance) {
         ScriptedAsker asker(c.answers, c.choices);
         const auto result = params::confirmReferenceDistance(p, asker);
         ASSERT_EQ(result.has_value(), c.goesOn);
-        if (result) EXPECT_EQ(result->r0, c.r0);
+        if (result) {
+            EXPECT_EQ(result->r0, c.r0);
+        }
     }
 }
 

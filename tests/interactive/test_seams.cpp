@@ -33,18 +33,6 @@ TEST(LogBook, EventsReachTheCallbackAndOnlyLinesArePrinted) {
     EXPECT_EQ(out.str(), "first\ncareful\n");
 }
 
-TEST(LogBook, FileLogAppendsAcrossInstances) {
-    const auto dir = test::scratchDirectory("file_log");
-    const auto path = dir / "log.txt";
-    { FileLogBook(path).appendLine("one"); }
-    { FileLogBook(path).appendLine("two"); }
-    std::ifstream in(path);
-    std::stringstream content;
-    content << in.rdbuf();
-    EXPECT_EQ(content.str(), "one\ntwo\n");
-    EXPECT_THROW(FileLogBook(dir / "no" / "such" / "dir" / "log.txt"), UserError);
-}
-
 TEST(Asker, TerminalChoiceRepeatsUntilUnderstood) {
     std::istringstream in("maybe\nY\nc\n");
     std::ostringstream out;

@@ -12,6 +12,7 @@
 #include "core/user_error.hpp"
 #include "tables/fractional_parentage.hpp"
 #include "interactive/interactive_generators.hpp"
+#include "interactive/table_file_prompts.hpp"
 #include "tables/published_tables.hpp"
 #include "tables/reduced_tables.hpp"
 #include "tables/table_directory.hpp"
