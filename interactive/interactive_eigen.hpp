@@ -17,6 +17,7 @@
 #include "core/asker.hpp"
 #include "core/hermitian_eigen.hpp"
 #include "core/log_book.hpp"
+#include "core/user_error.hpp"
 
 namespace orvane {
 
@@ -29,7 +30,7 @@ inline constexpr std::uintmax_t kMaxMatrixFileBytes = 256u * 1024u * 1024u;
 // |Im H(i,i)| may not exceed it times max(1, largest |H(i,k)|).
 inline constexpr double kHermitianTolerance = 1e-9;
 
-inline constexpr const char* kEigenSolverErrorTitle = "Error in eigen solver";
+inline constexpr ErrorCategory kEigenSolverErrorTitle = ErrorCategory::EigenSolver;
 
 struct MatrixFile {
     Eigen::MatrixXcd matrix;

@@ -14,7 +14,7 @@ namespace orvane {
 
 namespace {
 
-constexpr const char* kReadError = "Error in Main";
+constexpr ErrorCategory kReadError = ErrorCategory::Main;
 // Energies written with 6 decimals may tie or step back by rounding only.
 constexpr double kOrderTolerance = 2e-6;
 

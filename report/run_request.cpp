@@ -8,7 +8,7 @@
 namespace orvane {
 
 namespace {
-constexpr const char* kMainError = "Error in Main";
+constexpr ErrorCategory kMainError = ErrorCategory::Main;
 }
 
 RunKind runKindOfMode(int mode) {

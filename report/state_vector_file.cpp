@@ -14,7 +14,7 @@ namespace orvane {
 
 namespace {
 
-constexpr const char* kReadError = "Error in Main";
+constexpr ErrorCategory kReadError = ErrorCategory::Main;
 
 [[noreturn]] void fail(const std::string& file, int line, const std::string& message) {
     throw UserError(kReadError, message, FileLocation{file, line});
