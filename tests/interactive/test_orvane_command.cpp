@@ -1,13 +1,11 @@
 // End-to-end checks of the `orvane` command: exit codes, where the result is
-// printed, and that failures name the file and leave outputs untouched.
+// printed, and that failures name the file and leave outputs untouched; a
+// missing batch row is reported while the next row runs.
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <cstdlib>
+#include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
-#include <unistd.h>
 
 #include "core/atomic_file.hpp"
 #include "tests/interactive/orvane_command_runner.hpp"
@@ -16,10 +14,8 @@
 namespace orvane {
 namespace {
 
-using test::CommandResult;
 using test::lastLine;
 using test::runOrvane;
-using test::slurp;
 
 TEST(OrvaneCommand, CalculatorsPrintTheValueLast) {
     struct Case { const char* arguments; double value; const char* source; };
@@ -77,6 +73,49 @@ TEST(OrvaneCommand, EigenSolvesTheExampleMatrix) {
     for (const char* value : {"1.0000000", "3.0000000", "4.0000000", "8.0000000"})
         EXPECT_NE(result.out.find(value), std::string::npos) << value;
     EXPECT_EQ(runOrvane("eigen examples/no-such-matrix.txt").exitCode, 1);
+}
+
+std::filesystem::path tableDirectory() {
+    const auto path = std::filesystem::path(ORVANE_BINARY_DIR) / "test-scratch" / "engine-tables";
+    std::filesystem::create_directories(path);
+    return path;
+}
+
+std::filesystem::path copyExample(const std::filesystem::path& dir, const std::string& name) {
+    const auto target = dir / name;
+    std::filesystem::copy_file(test::sourceDirectory() / "examples" / "Pr3plus-LaF3.par", target,
+                               std::filesystem::copy_options::overwrite_existing);
+    return target;
+}
+
+TEST(RunCommand, BadInputExitsWithOneAndWritesNothing) {
+    const auto dir = test::scratchDirectory("cli_run_bad");
+    std::ofstream(dir / "bad.par") << "title only\n";
+    const auto result = test::runOrvane("run '" + (dir / "bad.par").string() + "' --tables '" +
+                                        tableDirectory().string() + "'");
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_NE(result.err.find("bad.par"), std::string::npos) << result.err;
+    EXPECT_FALSE(std::filesystem::exists(dir / "bad.gen"));
+    EXPECT_EQ(test::runOrvane("run '" + (dir / "bad.par").string() + "' --min-component 1.5").exitCode, 1);
+    EXPECT_EQ(test::runOrvane("run").exitCode, 2);
+}
+
+TEST(BatchCommand, MissingRowIsReportedAndTheNextRuns) {
+    const auto dir = test::scratchDirectory("cli_batch");
+    copyExample(dir, "first.par");
+    copyExample(dir, "second.par");
+    std::ofstream(dir / "jobs.txt") << "first.par\n\n# a comment\nabsent.par\n" << (dir / "second.par").string() << "\n";
+    const auto result = test::runOrvane("batch '" + (dir / "jobs.txt").string() + "' --free-ion --tables '" +
+                                        tableDirectory().string() + "'");
+    EXPECT_EQ(result.exitCode, 1);  // one row failed
+    EXPECT_NE(result.out.find("Can't find input parameters file from " + (dir / "absent.par").string()),
+              std::string::npos)
+        << result.out;
+    EXPECT_NE(result.out.find("Calculations of " + (dir / "second.par").string() + " started on "), std::string::npos);
+    EXPECT_NE(result.out.find(" completed on "), std::string::npos);
+    EXPECT_TRUE(std::filesystem::exists(dir / "first_fi.eng"));
+    EXPECT_TRUE(std::filesystem::exists(dir / "second_fi.eng"));
+    EXPECT_FALSE(std::filesystem::exists(dir / "absent_fi.gen"));
 }
 
 }  // namespace
