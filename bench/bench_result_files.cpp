@@ -20,12 +20,12 @@
 #include "core/atomic_file.hpp"
 #include "core/log_book.hpp"
 #include "core/settings_store.hpp"
-#include "engine/energy_file.hpp"
+#include "report/energy_file.hpp"
 #include "engine/energy_levels.hpp"
 #include "engine/level_labels.hpp"
 #include "engine/parameter_file.hpp"
-#include "engine/run_driver.hpp"
-#include "engine/state_vector_file.hpp"
+#include "report/run_driver.hpp"
+#include "report/state_vector_file.hpp"
 
 namespace {
 
@@ -115,9 +115,8 @@ void WholeRun(benchmark::State& state) {
     writeParameterFile(file, gadolinium());
     for (auto _ : state) {
         MemoryLogBook log;
-        ScriptedAsker asker;
         MemorySettingsStore settings;
-        RunEnvironment environment{log, asker, settings, benchTableDirectory()};
+        RunEnvironment environment{log, settings, benchTableDirectory()};
         auto outcome = runEngine(0, file, {}, environment);
         benchmark::DoNotOptimize(outcome.levels.data());
     }

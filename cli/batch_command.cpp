@@ -16,7 +16,7 @@
 #include "core/settings_store.hpp"
 #include "core/text.hpp"
 #include "core/user_error.hpp"
-#include "engine/run_driver.hpp"
+#include "interactive/run_dialogs.hpp"
 #include "tables/table_directory.hpp"
 
 namespace orvane::cli {
@@ -37,7 +37,7 @@ int runBatch(const BatchOptions& options) {
     StreamLogBook log(std::cout);
     TerminalAsker asker(std::cin, std::cerr);
     MemorySettingsStore settings;
-    RunEnvironment environment{log, asker, settings,
+    InteractiveRunEnvironment environment{log, asker, settings,
                                options.tableDirectory.empty() ? defaultTableDirectory()
                                                               : std::filesystem::path(options.tableDirectory)};
     const std::filesystem::path listPath(options.list);
@@ -58,7 +58,7 @@ int runBatch(const BatchOptions& options) {
         log.appendLine("Calculations of " + file.string() + " started on " + today());
         try {
             settings.write(kSettingsSection, kRunCounterKey, "0");
-            runEngine(mode, file, RunRequest{}, environment);
+            runEngineAsking(mode, file, RunRequest{}, environment);
             log.appendLine(" completed on " + today());
         } catch (const UserError& error) {
             std::cerr << error.title() << ": " << error.describe() << '\n';

@@ -13,7 +13,7 @@
 #include "cli/exit_code.hpp"
 #include "core/angular.hpp"
 #include "core/asker.hpp"
-#include "core/calculators.hpp"
+#include "interactive/calculators.hpp"
 #include "core/log_book.hpp"
 #include "core/text.hpp"
 

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "interactive/parameter_dialogs.hpp"
 #include "cli/commands.hpp"
 #include "cli/exit_code.hpp"
 #include "core/asker.hpp"
@@ -19,11 +20,11 @@
 #include "engine/parameter_file.hpp"
 #include "params/cf_conventions.hpp"
 #include "params/cf_invariants.hpp"
-#include "params/cf_rotation_dialogs.hpp"
+#include "interactive/cf_rotation_dialogs.hpp"
 #include "params/cubic_approximation.hpp"
 #include "params/energy_units.hpp"
 #include "params/ligand_file.hpp"
-#include "params/sm_dialogs.hpp"
+#include "interactive/superposition_dialogs.hpp"
 #include "params/sm_estimation.hpp"
 #include "params/superposition.hpp"
 #include "params/value_cell.hpp"

@@ -7,7 +7,7 @@
 #include "cli/commands.hpp"
 #include "cli/exit_code.hpp"
 #include "core/asker.hpp"
-#include "core/interactive_eigen.hpp"
+#include "interactive/interactive_eigen.hpp"
 #include "core/log_book.hpp"
 #include "core/user_error.hpp"
 

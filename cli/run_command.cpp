@@ -11,7 +11,7 @@
 #include "core/log_book.hpp"
 #include "core/settings_store.hpp"
 #include "core/user_error.hpp"
-#include "engine/run_driver.hpp"
+#include "interactive/run_dialogs.hpp"
 #include "tables/table_directory.hpp"
 
 namespace orvane::cli {
@@ -35,7 +35,7 @@ void runParameterFile(const RunOptions& options) {
     StreamLogBook log(std::cout);
     TerminalAsker asker(std::cin, std::cerr);
     MemorySettingsStore settings;  // energies kept, no prompts, counter from 0
-    RunEnvironment environment{log, asker, settings,
+    InteractiveRunEnvironment environment{log, asker, settings,
                                options.tableDirectory.empty() ? defaultTableDirectory()
                                                               : std::filesystem::path(options.tableDirectory)};
     RunRequest request;
@@ -43,7 +43,7 @@ void runParameterFile(const RunOptions& options) {
     request.energyShift = options.shift;
     request.minComponent = options.minComponent;
     request.optionText = options.optionText;
-    const auto outcome = runEngine(modeOf(options), options.file, request, environment);
+    const auto outcome = runEngineAsking(modeOf(options), options.file, request, environment);
     log.appendLine("Results: " + outcome.names.general + ", " + outcome.names.vectors + ", " +
                    outcome.names.energies);
     log.appendLine("Work completed.");

@@ -17,14 +17,15 @@
 
 #include <fmt/core.h>
 
+#include "interactive/parameter_dialogs.hpp"
 #include "cli/commands.hpp"
 #include "cli/exit_code.hpp"
 #include "core/asker.hpp"
 #include "core/log_book.hpp"
 #include "core/user_error.hpp"
 #include "engine/experiment_comparison.hpp"
-#include "tables/interactive_generators.hpp"
-#include "tables/published_comparison_dialogs.hpp"
+#include "interactive/interactive_generators.hpp"
+#include "interactive/published_comparison_dialogs.hpp"
 #include "tables/table_builder.hpp"
 #include "tables/table_directory.hpp"
 
@@ -71,7 +72,11 @@ bool runBuild(const TablesOptions& options) {
             for (int n = 1; n <= 14; ++n) electrons.push_back(n);
         else
             electrons.push_back(options.electrons);
-        for (int n : electrons) writeConfigurationTables(computeConfigurationTables(n, generated), directory, log);
+        int done = 0;
+        for (int n : electrons) {
+            writeConfigurationTables(computeConfigurationTables(n, generated), directory, log);
+            log.progress(LogCategory::Tables, "configuration tables", ++done, static_cast<int>(electrons.size()));
+        }
         // Three-body and magnetic tables: escalated from f^2 / f^3 through f^7.
         const auto lower = lowerConfigurationTables(generated);
         writeManyBodyTables(electrons, lower, directory, log);

@@ -6,6 +6,13 @@
 
 namespace orvane {
 
+bool isPrintedEvent(const LogEvent& event) { return event.kind != LogEventKind::Progress; }
+
+void MemoryLogBook::record(const LogEvent& event) {
+    events_.push_back(event);
+    if (isPrintedEvent(event)) lines_.push_back(event.text);
+}
+
 std::string MemoryLogBook::text() const {
     std::string all;
     for (const auto& line : lines_) {
@@ -21,13 +28,17 @@ bool MemoryLogBook::contains(std::string_view fragment) const {
     return false;
 }
 
-void StreamLogBook::appendLine(std::string_view line) { out_ << line << '\n' << std::flush; }
-
-FileLogBook::FileLogBook(const std::filesystem::path& path) : out_(path, std::ios::app) {
-    if (!out_) throw UserError("Log Book", "Cannot open the log file " + path.string());
+void StreamLogBook::record(const LogEvent& event) {
+    if (isPrintedEvent(event)) out_ << event.text << '\n' << std::flush;
 }
 
-void FileLogBook::appendLine(std::string_view line) { out_ << line << '\n' << std::flush; }
+FileLogBook::FileLogBook(const std::filesystem::path& path) : out_(path, std::ios::app) {
+    if (!out_) throw UserError(ErrorCategory::LogBook, "Cannot open the log file " + path.string());
+}
+
+void FileLogBook::record(const LogEvent& event) {
+    if (isPrintedEvent(event)) out_ << event.text << '\n' << std::flush;
+}
 
 std::string logSeparatorLine() { return std::string(55, '#'); }
 

@@ -1,5 +1,5 @@
 #pragma once
-// Titles of the engine's failures and the check every parameter value passes
+// Categories of the engine's failures and the check every parameter value passes
 // before it reaches a matrix.
 #include <cmath>
 #include <string>
@@ -8,9 +8,9 @@
 
 namespace orvane {
 
-inline constexpr const char* kRealEngineError = "Error in real CF main program";
-inline constexpr const char* kComplexEngineError = "Error in main program for complex CF";
-inline constexpr const char* kCfHamiltonianError = "Error in CF Hamiltonian";
+inline constexpr ErrorCategory kRealEngineError = ErrorCategory::RealEngine;
+inline constexpr ErrorCategory kComplexEngineError = ErrorCategory::ComplexEngine;
+inline constexpr ErrorCategory kCfHamiltonianError = ErrorCategory::CrystalFieldHamiltonian;
 
 // Throws UserError(kRealEngineError) naming `what` when the value is NaN or infinite.
 inline void requireFiniteParameter(double value, const std::string& what) {

@@ -8,13 +8,12 @@
 #include "core/number_format.hpp"
 #include "core/text.hpp"
 #include "core/user_error.hpp"
-#include "engine/energy_file.hpp"
 
 namespace orvane {
 
 namespace {
 
-constexpr const char* kTitle = "Error in comparing energies";
+constexpr ErrorCategory kTitle = ErrorCategory::ComparingEnergies;
 
 bool endsBlock(std::string_view line) {
     const auto t = trim(line);
@@ -34,13 +33,6 @@ std::vector<std::string_view> linesOf(std::string_view text) {
         start = end + 1;
     }
     return lines;
-}
-
-// The asked file name; std::nullopt when cancelled or empty.
-std::optional<std::string> askFileName(Asker& asker, const std::string& prompt) {
-    const auto answer = asker.askLine({prompt, "Comparison with experimental energies", ""});
-    if (!answer || trim(*answer).empty()) return std::nullopt;
-    return std::string(trim(*answer));
 }
 
 }  // namespace
@@ -90,20 +82,6 @@ std::vector<std::string> experimentComparisonLines(const ExperimentComparison& c
     if (c.observedWithoutLevel > 0)
         lines.push_back(fmt::format("{} experimental energies have no calculated level", c.observedWithoutLevel));
     return lines;
-}
-
-bool compareExperimentAsking(Asker& asker, LogBook& log) {
-    const auto publishedName = askFileName(asker, "GIVE FILE NAME FOR getting Torvelde's experimental energies from");
-    if (!publishedName) return false;
-    const auto observed = parseExperimentBlock(readTextFile(*publishedName), *publishedName);
-    const auto energyName = askFileName(asker, "GIVE FILE NAME FOR getting energies  from this Orvane program");
-    if (!energyName) return false;
-    std::vector<double> calculated;
-    for (const auto& level : readEnergyFile(*energyName).levels) calculated.push_back(level.energy);
-    log.appendLine("Comparison of experimental energies from " + *publishedName + " with energies from " + *energyName);
-    for (const auto& line : experimentComparisonLines(compareWithExperiment(observed, calculated)))
-        log.appendLine(line);
-    return true;
 }
 
 }  // namespace orvane

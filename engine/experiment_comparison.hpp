@@ -14,8 +14,6 @@
 #include <string_view>
 #include <vector>
 
-#include "core/asker.hpp"
-#include "core/log_book.hpp"
 
 namespace orvane {
 
@@ -41,11 +39,5 @@ ExperimentComparison compareWithExperiment(const std::vector<double>& observed,
 
 // The table: heading, one line per pair ("##0.0##" for the difference), the rms.
 std::vector<std::string> experimentComparisonLines(const ExperimentComparison& comparison);
-
-// The dialog: asks "GIVE FILE NAME FOR getting Torvelde's experimental energies from"
-// and "GIVE FILE NAME FOR getting energies  from this Orvane program" (an energy
-// file, see energy_file.hpp), logs the table. Returns false when a question is
-// cancelled; throws UserError for an unreadable or malformed file.
-bool compareExperimentAsking(Asker& asker, LogBook& log);
 
 }  // namespace orvane

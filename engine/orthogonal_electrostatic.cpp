@@ -17,7 +17,6 @@ namespace orvane {
 namespace {
 
 constexpr double kDependentFraction = 1e-20;  // Tr(o^2) / Tr(O'^2) below this: o lies in the earlier span
-constexpr std::string_view kValuePicture = "######0.0000";
 
 std::vector<TermSpinOrbit> spinOrbitOfTerms(const std::vector<EngineTerm>& terms) {
     std::vector<TermSpinOrbit> result;
@@ -31,18 +30,6 @@ Eigen::MatrixXd diagonalOf(const std::vector<EngineTerm>& terms, double (*value)
     for (std::size_t i = 0; i < terms.size(); ++i) d[static_cast<int>(i)] = value(terms[i]);
     return d.asDiagonal();
 }
-
-// Sets the value of the named other free-ion row, appending the row when absent.
-void setOtherRow(ParameterSet& set, std::string_view name, const ParameterCell& cell) {
-    for (auto& row : set.otherFreeIon)
-        if (otherFreeIonIndex(row.name) == otherFreeIonIndex(name)) {
-            row.cell = cell;
-            return;
-        }
-    set.otherFreeIon.push_back({std::string(name), cell});
-}
-
-ParameterCell cellOf(double value) { return {formatNumber(value, "#####0.0###"), value}; }
 
 }  // namespace
 
@@ -119,32 +106,6 @@ ElectrostaticParameters electrostaticParametersOf(const ParameterSet& set) {
     const auto racah = params::racahFromLowerSlater(params::lowerSlaterFromUpper(fUpper));
     const auto other = resolveOtherFreeIon(set.otherFreeIon);
     return {racah[0], racah[1], racah[2], other["ALPHA"], other["BETA"], other["GAMMA"]};
-}
-
-bool convertToOrthogonalElectrostaticAsking(ParameterSet& set, const EngineTables& tables, Asker& asker,
-                                            LogBook& log) {
-    const auto converted = orthogonalParameters(orthogonaliseElectrostatic(tables), electrostaticParametersOf(set));
-    log.appendLine("Conversion of two-particle electrostatic interaction parameters for the orthogonalised operators:");
-    for (int j = 0; j < kElectrostaticOperatorCount; ++j)
-        log.appendLine(fmt::format("{} = {}", kElectrostaticParameterNames[static_cast<std::size_t>(j)],
-                                   formatNumber(converted[static_cast<std::size_t>(j)], kValuePicture)));
-    log.appendLine(
-        "Two-particle electrostatic interaction parameters for the orthogonalised operators have been converted into "
-        "the Logbook.");
-    log.appendLine("Warning - They are not suitable input parameters for this package!");
-    if (asker.askChoice("Orthogonalised electrostatic parameters", "Adopt them into this input form?",
-                        Buttons::YesNo) != Choice::Yes)
-        return false;
-    set.slaterType = SlaterType::RacahE;
-    for (int k = 0; k < 3; ++k) {
-        auto& row = set.mainFreeIon[static_cast<std::size_t>(k + 1)];
-        row.name = std::string(kElectrostaticParameterNames[static_cast<std::size_t>(k)]);
-        row.cell = cellOf(converted[static_cast<std::size_t>(k)]);
-    }
-    for (int j = 3; j < kElectrostaticOperatorCount; ++j)
-        setOtherRow(set, kElectrostaticParameterNames[static_cast<std::size_t>(j)],
-                    cellOf(converted[static_cast<std::size_t>(j)]));
-    return true;
 }
 
 }  // namespace orvane

@@ -34,7 +34,6 @@
 
 #include <Eigen/Dense>
 
-#include "core/asker.hpp"
 #include "core/log_book.hpp"
 #include "engine/configuration_tables.hpp"
 #include "engine/parameter_set.hpp"
@@ -73,16 +72,5 @@ ElectrostaticParameters orthogonalParameters(const OrthogonalElectrostatic& set,
 // E^1, E^2, E^3 (from the set's electrostatic form), alpha, beta, gamma of a
 // parameter set, in its energy unit.
 ElectrostaticParameters electrostaticParametersOf(const ParameterSet& set);
-
-// The editor command: logs "Conversion of two-particle electrostatic
-// interaction parameters for the orthogonalised operators:", one line per
-// parameter, "Two-particle electrostatic interaction parameters for the
-// orthogonalised operators have been converted into the Logbook." and
-// "Warning - They are not suitable input parameters for this package!", then
-// asks "Adopt them into this input form?". Yes writes them into the set (the
-// three electrostatic rows as Racah E^k, and the ALPHA, BETA, GAMMA rows) and
-// returns true. `tables` are those of the set's configuration.
-bool convertToOrthogonalElectrostaticAsking(ParameterSet& set, const EngineTables& tables, Asker& asker,
-                                            LogBook& log);
 
 }  // namespace orvane

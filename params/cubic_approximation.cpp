@@ -67,30 +67,4 @@ CfTable cubicTable(const std::vector<CubicParameter>& set) {
     return table;
 }
 
-std::vector<CubicParameter> cubicApproximationAsking(CfTable& table, CfNormalisation normalisation,
-                                                     CubicAxis axis, Asker& asker, LogBook& log) {
-    const Invariants inv = computeInvariants(table, normalisation);
-    double b40 = 0.0, b60 = 0.0;
-    for (const CfRow& row : table.rows) {
-        if (row.q != 0) continue;
-        if (row.k == 4) b40 = cellNumber(row.re);
-        if (row.k == 6) b60 = cellNumber(row.re);
-    }
-    // The signs are those of the Wybourne B40 and B60 (c_6 < 0 flips a unit-tensor B60).
-    if (const auto c = conversionToWybourne(normalisation)) {
-        b40 *= conversionFactor(*c, 4, 0);
-        b60 *= conversionFactor(*c, 6, 0);
-    }
-    const auto set = cubicSet(inv, b40, b60, axis);
-    for (const std::string& line : cubicListing(set, axis)) log.appendLine(line);
-    if (asker.askChoice("Cubic approx. of CFP", "Adopt the above crystal field parameters?",
-                        Buttons::YesNo) == Choice::Yes) {
-        CfTable cubic = cubicTable(set);
-        if (const auto back = conversionFromWybourne(normalisation)) applyConversion(cubic, *back);
-        cubic.complexMode = table.complexMode;
-        table = cubic;
-    }
-    return set;
-}
-
 }  // namespace orvane::params

@@ -10,8 +10,6 @@
 #include <string>
 #include <vector>
 
-#include "core/asker.hpp"
-#include "core/log_book.hpp"
 #include "params/cf_invariants.hpp"
 #include "params/cf_records.hpp"
 
@@ -31,12 +29,6 @@ std::vector<CubicParameter> cubicSet(const Invariants& invariants, double signB4
 
 // The listing: heading line and "B40 = " ... lines.
 std::vector<std::string> cubicListing(const std::vector<CubicParameter>& set, CubicAxis axis);
-
-// The whole command: computes the set from the Wybourne rows, logs the listing,
-// asks "Adopt the above crystal field parameters?" and on Yes replaces the rows.
-// Returns the set.
-std::vector<CubicParameter> cubicApproximationAsking(CfTable& table, CfNormalisation normalisation,
-                                                     CubicAxis axis, Asker& asker, LogBook& log);
 
 // Rows of the cubic set ("value(sigma)" cells written with "###0.0#").
 CfTable cubicTable(const std::vector<CubicParameter>& set);

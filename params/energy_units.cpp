@@ -102,15 +102,4 @@ std::string unitConversionQuestion(EnergyUnitCode from, EnergyUnitCode to) {
            "values.";
 }
 
-bool convertAllAsking(ParameterValues& values, EnergyUnitCode to, Asker& asker) {
-    const Choice choice =
-        asker.askChoice("Energy unit", unitConversionQuestion(values.unit, to), Buttons::YesNo);
-    if (choice == Choice::Yes) {
-        convertEnergyUnit(values, to, UnitScope::All);
-        return true;
-    }
-    values.unit = to;
-    return false;
-}
-
 }  // namespace orvane::params

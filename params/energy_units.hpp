@@ -8,7 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "core/asker.hpp"
 #include "params/cf_records.hpp"
 
 namespace orvane::params {
@@ -45,9 +44,5 @@ void convertEnergyUnit(ParameterValues& values, EnergyUnitCode to, UnitScope sco
 
 // The Yes/No question of the "all" conversions.
 std::string unitConversionQuestion(EnergyUnitCode from, EnergyUnitCode to);
-
-// The "all" command: asks the question; Yes converts every value, No changes the
-// unit name only. Returns true when values were converted.
-bool convertAllAsking(ParameterValues& values, EnergyUnitCode to, Asker& asker);
 
 }  // namespace orvane::params

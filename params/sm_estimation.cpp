@@ -108,36 +108,4 @@ std::vector<std::string> estimateLines(const SmEstimate& e) {
     return lines;
 }
 
-void runCoordinationFactorCalculator(Asker& asker, LogBook& log) {
-    const Question question{"Give k, q, theta and phi (in degrees):",
-                            "Calculation of Coordination Factor:", ""};
-    while (true) {
-        const auto answer = asker.askLine(question);
-        if (!answer || trim(*answer).empty()) return;
-        const auto fields = splitAnswerFields(*answer);
-        std::optional<int> k, q;
-        std::optional<double> theta, phi;
-        if (fields.size() == 4) {
-            k = parseInteger(fields[0]);
-            q = parseInteger(fields[1]);
-            theta = parseNumber(fields[2]);
-            phi = parseNumber(fields[3]);
-        }
-        if (!k || !q || !theta || !phi) {
-            asker.showMessage("Calculation of Coordination Factor:", "Invalid input: " + *answer);
-            continue;
-        }
-        if (const auto error = coordinationArgumentsError(*k, *q)) {
-            asker.showMessage(error->first, error->second);
-            continue;
-        }
-        log.appendLine("Coordination factor K" + std::to_string(*k) + "," + std::to_string(*q) +
-                       "(" + *answer + ") = " +
-                       formatNumber(coordinationFactor(*k, *q, *theta, *phi), "##0.000000") +
-                       " (Stevens type: " +
-                       formatNumber(coordinationFactor(*k, *q, *theta, *phi, true), "##0.000000") +
-                       ")");
-    }
-}
-
 }  // namespace orvane::params

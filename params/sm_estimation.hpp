@@ -8,8 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "core/asker.hpp"
-#include "core/log_book.hpp"
 #include "params/cf_records.hpp"
 #include "params/superposition.hpp"
 
@@ -29,9 +27,5 @@ SmEstimate estimateIntrinsicParameters(const std::vector<Ligand>& ligands,
 
 // Log lines of an estimate ("####0.000").
 std::vector<std::string> estimateLines(const SmEstimate& estimate);
-
-// The interactive coordination-factor calculator: asks "k q theta phi" until an
-// empty answer and logs each factor (Wybourne and Stevens type).
-void runCoordinationFactorCalculator(Asker& asker, LogBook& log);
 
 }  // namespace orvane::params

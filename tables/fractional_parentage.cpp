@@ -17,7 +17,7 @@ namespace orvane {
 
 namespace {
 
-constexpr const char* kReadTitle = "Error in reading CFP";
+constexpr ErrorCategory kReadTitle = ErrorCategory::ReadingParentage;
 constexpr std::size_t kPrintZone = 14;
 
 struct Token {
@@ -75,17 +75,10 @@ ParentageTable parseFractionalParentage(std::string_view text, const std::string
     return table;
 }
 
-ParentageTable ReadFractionalParentage(int n, const std::filesystem::path& file, Asker& asker) {
-    std::filesystem::path path = file;
-    while (!std::filesystem::exists(path)) {
-        const auto answer =
-            asker.askLine({"GIVE FILE NAME FOR CFP from ", "Input Dialog Box", ""});
-        if (!answer || trim(*answer).empty())
-            throw UserError(kReadTitle, fmt::format("coefficient file of f{} not found: {}", n,
-                                                    file.string()));
-        path = std::string(trim(*answer));
-    }
-    return parseFractionalParentage(readTextFile(path), path.string());
+ParentageTable readFractionalParentageFile(int n, const std::filesystem::path& file) {
+    if (!std::filesystem::exists(file))
+        throw UserError(kReadTitle, fmt::format("coefficient file of f{} not found: {}", n, file.string()));
+    return parseFractionalParentage(readTextFile(file), file.string());
 }
 
 std::string fractionalParentageFileText(std::string_view title, const Eigen::MatrixXd& values) {

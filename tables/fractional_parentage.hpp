@@ -10,7 +10,6 @@
 
 #include <Eigen/Dense>
 
-#include "core/asker.hpp"
 #include "tables/term.hpp"
 
 namespace orvane {
@@ -29,9 +28,9 @@ struct ParentageTable {
 // is not finite or an incomplete triple.
 ParentageTable parseFractionalParentage(std::string_view text, const std::string& fileName);
 
-// Reads the file of f^n; when it does not exist the user is asked
-// "GIVE FILE NAME FOR CFP from " and that file is read.
-ParentageTable ReadFractionalParentage(int n, const std::filesystem::path& file, Asker& asker);
+// Reads the coefficient file of f^n; throws UserError (ReadingParentage) when
+// it does not exist (interactive/table_file_prompts.hpp asks for another name).
+ParentageTable readFractionalParentageFile(int n, const std::filesystem::path& file);
 
 // The file text: the title line, then one line per non-zero coefficient, the
 // three numbers in the general number form in 14-column print zones.

@@ -32,6 +32,9 @@ std::vector<std::filesystem::path> writeManyBodyTables(const std::vector<int>& e
     const auto threeBody = threeBodyOperatorsOfAll(lower);
     const auto magnetic = magneticOperatorsOfAll(lower);
     std::vector<std::filesystem::path> written;
+    const int total = static_cast<int>(electrons.size());
+    int done = 0;
+    log.progress(LogCategory::Tables, "many-body tables", done, total);
     for (int n : electrons) {
         // f^N (N > 7) has the terms (and e3) of f^(14-N).
         const auto& same = lower[static_cast<std::size_t>(n <= kHighestLowerShell ? n : kShellCapacity - n)];
@@ -42,6 +45,7 @@ std::vector<std::filesystem::path> writeManyBodyTables(const std::vector<int>& e
         const auto more = writeMagneticTables(n, terms, magnetic[static_cast<std::size_t>(n)], directory, log);
         written.insert(written.end(), three.begin(), three.end());
         written.insert(written.end(), more.begin(), more.end());
+        log.progress(LogCategory::Tables, "many-body tables", ++done, total);
     }
     return written;
 }

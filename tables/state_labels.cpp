@@ -14,7 +14,7 @@ namespace orvane {
 
 namespace {
 
-constexpr const char* kReadTitle = "Error in reading State labels";
+constexpr ErrorCategory kReadTitle = ErrorCategory::ReadingStateLabels;
 
 std::vector<std::string> splitLines(std::string_view text) {
     std::vector<std::string> lines;
@@ -83,19 +83,10 @@ StateLabelParse parseStateLabels(std::string_view text, StateLabelForm form, boo
     return result;
 }
 
-std::vector<TermRecord> ReadStateLabels(const std::filesystem::path& file, StateLabelForm form,
-                                        LogBook& log, Asker& asker, bool skipTitle) {
-    std::filesystem::path path = file;
-    while (!std::filesystem::exists(path)) {
-        const auto answer = asker.askLine({"get State labels from file ", "Input Dialog Box", ""});
-        if (!answer || trim(*answer).empty())
-            throw UserError(kReadTitle, "state-label file not found: " + file.string());
-        path = std::string(trim(*answer));
-    }
-    auto parsed = parseStateLabels(readTextFile(path), form, skipTitle, path.string());
-    for (const auto& warning : parsed.warnings) asker.showMessage("Warning", warning);
-    if (parsed.terms.empty()) log.appendLine("ZERO State LABELS!!!");
-    return std::move(parsed.terms);
+StateLabelParse readStateLabelFile(const std::filesystem::path& file, StateLabelForm form, bool skipTitle) {
+    if (!std::filesystem::exists(file))
+        throw UserError(kReadTitle, "state-label file not found: " + file.string());
+    return parseStateLabels(readTextFile(file), form, skipTitle, file.string());
 }
 
 std::string stateLabelFileText(std::string_view title, const std::vector<TermLabelLine>& lines) {

@@ -8,7 +8,6 @@
 #include <string_view>
 #include <vector>
 
-#include "core/asker.hpp"
 #include "core/log_book.hpp"
 #include "tables/term.hpp"
 
@@ -36,13 +35,9 @@ int CasimirG2Value(std::string_view uText, std::string* warning = nullptr);
 // "Invalid Casimir's R7 operator: <label>" for an unknown label.
 int CasimirR7Value(std::string_view wText, std::string* warning = nullptr);
 
-// Reads the state-label file. When it does not exist the user is asked for
-// another name ("get State labels from file ", dialog "Input Dialog Box");
-// warnings go to message boxes; a file without term lines logs
-// "ZERO State LABELS!!!" and gives no terms. Throws UserError when no file
-// can be read.
-std::vector<TermRecord> ReadStateLabels(const std::filesystem::path& file, StateLabelForm form,
-                                        LogBook& log, Asker& asker, bool skipTitle = true);
+// Reads the state-label file; throws UserError (ReadingStateLabels) when it
+// does not exist (interactive/table_file_prompts.hpp asks for another name).
+StateLabelParse readStateLabelFile(const std::filesystem::path& file, StateLabelForm form, bool skipTitle = true);
 
 // One written term line.
 struct TermLabelLine {

@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include "core/asker.hpp"
 #include "core/atomic_file.hpp"
 #include "core/text.hpp"
 #include "core/user_error.hpp"
@@ -151,6 +150,7 @@ std::vector<std::filesystem::path> writeDeliveredTables(
         writeFileAtomically(cfp, fractionalParentageFileText(parentageTitle(n), c.cfp));
         log.appendLine("Written " + labels.string());
         log.appendLine("Written " + cfp.string());
+        log.progress(LogCategory::Tables, "delivered tables", n, 7);
         written.push_back(labels);
         written.push_back(cfp);
     }
@@ -186,10 +186,11 @@ namespace {
 
 std::vector<TermRecord> storedTerms(int n, const std::filesystem::path& directory, LogBook& log) {
     if (n == 0) return {{"1S", 0, 0, 0}};
-    ScriptedAsker noAnswers;
     const std::string name = configurationFileName(n, "state.lab");
     const auto found = findCaseBlind(directory, name);
-    return ReadStateLabels(found ? *found : directory / name, StateLabelForm::Standard, log, noAnswers);
+    auto parsed = readStateLabelFile(found ? *found : directory / name, StateLabelForm::Standard);
+    if (parsed.terms.empty()) log.appendLine("ZERO State LABELS!!!");
+    return std::move(parsed.terms);
 }
 
 Eigen::MatrixXd storedTable(const std::filesystem::path& directory, const std::string& name, int termCount) {
@@ -203,10 +204,9 @@ Eigen::MatrixXd storedTable(const std::filesystem::path& directory, const std::s
 StoredParentage readStoredParentage(int n, const std::filesystem::path& directory, LogBook& log) {
     const auto terms = storedTerms(n, directory, log);
     const auto parents = storedTerms(n - 1, directory, log);
-    ScriptedAsker noAnswers;
     const std::string cfpName = configurationFileName(n, "cfp.val");
     const auto cfpFile = findCaseBlind(directory, cfpName);
-    const auto cfp = ReadFractionalParentage(n, cfpFile ? *cfpFile : directory / cfpName, noAnswers);
+    const auto cfp = readFractionalParentageFile(n, cfpFile ? *cfpFile : directory / cfpName);
     Eigen::MatrixXd values = Eigen::MatrixXd::Zero(static_cast<int>(terms.size()), static_cast<int>(parents.size()));
     const int rows = std::min<int>(static_cast<int>(cfp.values.rows()), static_cast<int>(values.rows()));
     const int cols = std::min<int>(static_cast<int>(cfp.values.cols()), static_cast<int>(values.cols()));

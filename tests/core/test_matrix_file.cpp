@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "core/interactive_eigen.hpp"
+#include "interactive/interactive_eigen.hpp"
 #include "core/text.hpp"
 #include "core/user_error.hpp"
 #include "tests/support/reference_data.hpp"

@@ -1,6 +1,7 @@
 // Electrostatic parameters for the orthogonalised operators: the operators are
 // traceless and mutually orthogonal over the |SLJM> states, and the converted
 // parameters give the same Hamiltonian up to a constant.
+#include "interactive/parameter_dialogs.hpp"
 #include "engine/orthogonal_electrostatic.hpp"
 
 #include <gtest/gtest.h>

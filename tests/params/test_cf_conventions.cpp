@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "interactive/parameter_dialogs.hpp"
 #include "core/asker.hpp"
 #include "core/user_error.hpp"
 #include "params/cf_conventions.hpp"

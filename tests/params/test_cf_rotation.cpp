@@ -13,7 +13,7 @@
 #include "core/number_format.hpp"
 #include "core/user_error.hpp"
 #include "params/cf_rotation.hpp"
-#include "params/cf_rotation_dialogs.hpp"
+#include "interactive/cf_rotation_dialogs.hpp"
 #include "params/value_cell.hpp"
 
 namespace orvane::params {

@@ -158,7 +158,7 @@ TEST(SmData, RoundTripIsExactAndMalformedFilesAreRefused) {
 }  // namespace orvane::params
 
 #include "core/asker.hpp"
-#include "params/sm_dialogs.hpp"
+#include "interactive/superposition_dialogs.hpp"
 
 namespace orvane::params {
 namespace {

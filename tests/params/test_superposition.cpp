@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "interactive/parameter_dialogs.hpp"
 #include "core/angular.hpp"
 #include "core/asker.hpp"
 #include "core/log_book.hpp"

@@ -12,7 +12,7 @@
 #include "core/atomic_file.hpp"
 #include "core/log_book.hpp"
 #include "core/user_error.hpp"
-#include "tables/interactive_generators.hpp"
+#include "interactive/interactive_generators.hpp"
 #include "tables/reduced_tables.hpp"
 #include "tables/table_directory.hpp"
 #include "tables/table_builder.hpp"

@@ -1,0 +1,47 @@
+#include "interactive/run_dialogs.hpp"
+
+#include <fmt/format.h>
+
+#include "core/number_format.hpp"
+#include "core/text.hpp"
+#include "core/user_error.hpp"
+
+namespace orvane {
+
+void askRunInputs(Asker& asker, RunRequest& request) {
+    if (const auto answer = asker.askLine({"min. value of eigenstate to be processed is ", "", request.minComponent})) {
+        const auto value = parseNumber(trim(*answer));
+        if (value && *value >= 0.0 && *value < 1.0) request.minComponent = std::string(trim(*answer));
+    }
+    if (const auto answer = asker.askLine({"Give the no. of eigenvectors to be stored (0 by default) >", "",
+                                           std::to_string(request.eigenvectorsToStore)})) {
+        const auto value = parseInteger(trim(*answer));
+        if (value && *value >= 0) request.eigenvectorsToStore = *value;
+    }
+    if (const auto answer = asker.askLine({"Give the shift in calculated energies (0 by default) >", "",
+                                           fmt::format("{}", request.energyShift)})) {
+        if (const auto value = parseNumber(trim(*answer))) request.energyShift = *value;
+    }
+}
+
+RunOutcome runEngineAsking(int mode, std::filesystem::path parameterFile, RunRequest request,
+                           InteractiveRunEnvironment& environment) {
+    Asker& asker = environment.asker;
+    if (parameterFile.empty()) {
+        const auto answer =
+            asker.askLine({"Par files|*.par|All files|*.*", "File for Free-in and Crystal Field Parameters ", ""});
+        if (!answer || trim(*answer).empty()) throw UserError(ErrorCategory::Main, "no parameter file was chosen");
+        parameterFile = std::string(trim(*answer));
+    }
+    if (environment.settings.readInt(kSettingsSection, kInteractivePromptKey, 0) != 0) askRunInputs(asker, request);
+    RunEnvironment run{environment.log, environment.settings, environment.tableDirectory,
+                       [&asker](const UserError&) -> std::optional<std::filesystem::path> {
+                           const auto answer = asker.askLine({"GIVE FILE NAME FOR U(6) RME from ", "", ""});
+                           if (!answer || trim(*answer).empty()) return std::nullopt;
+                           std::filesystem::path given = std::string(trim(*answer));
+                           return std::filesystem::is_directory(given) ? given : given.parent_path();
+                       }};
+    return runEngine(mode, std::move(parameterFile), std::move(request), run);
+}
+
+}  // namespace orvane
