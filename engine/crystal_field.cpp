@@ -17,7 +17,7 @@ namespace {
 
 double phaseOfTwice(int twiceExponent) { return ((twiceExponent / 2) % 2 == 0) ? 1.0 : -1.0; }
 
-// Physics notes 4.1 (spin-first coupling): a spin-scalar orbital tensor of
+// Edmonds 1957, eq. 7.1.7 (spin coupled first): a spin-scalar orbital tensor of
 // rank k between |SLJ> states from its term table.
 double orbitalTensorInJ(const EngineTables& tables, const Eigen::MatrixXd& termTable, int k, const JState& a,
                         const JState& b) {
@@ -32,7 +32,7 @@ double orbitalTensorInJ(const EngineTables& tables, const Eigen::MatrixXd& termT
            SixJ2(2 * ta.L, a.twiceJ, ta.twiceS, b.twiceJ, 2 * tb.L, twiceK) * reduced;
 }
 
-// Wigner-Eckart (physics notes 9.1): the coefficient of B(k,q) in
+// Wigner-Eckart theorem (Edmonds 1957, eq. 5.4.1): the coefficient of B(k,q) in
 // <a J M| sum_i X(k)_q(i) |a' J' M'> divided by <a J||X(k)||a' J'>, times the
 // operator's normalisation (<f||C(k)||f> for the crystal field, 1 otherwise).
 double tensorComponentFactor(int twiceJ, int twiceM, int k, int q, int twiceJp, int twiceMp, double normalisation) {

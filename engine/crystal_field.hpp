@@ -59,7 +59,7 @@ struct TransformedTensors {
     std::map<CrystalFieldOperator, TermTensorSet> correlation;  // the same for the correlation operators
 };
 
-// Physics notes 4.1: <SLJ||U(k)||SL'J'> = (-1)^(S+L'+J+k) sqrt([J][J']) {L J S; J' L' k} <SL||U(k)||SL'>,
+// Edmonds 1957, eq. 7.1.7: <SLJ||U(k)||SL'J'> = (-1)^(S+L'+J+k) sqrt([J][J']) {L J S; J' L' k} <SL||U(k)||SL'>,
 // then summed over the free-ion eigenvector components (real). The
 // correlation term tensors are carried over by the same formula.
 TransformedTensors transformTensors(const EngineTables& tables, const FreeIonOperators& operators,

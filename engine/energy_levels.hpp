@@ -6,9 +6,9 @@
 // components, solves the free ion and, when asked, the real crystal field by
 // blocks of MJ residue modulo the set's fold.
 //
-// Conjugate route (physics notes section 0): zeta, T2', T3..T8 and every
+// Conjugate route (docs/engine.md, "Conjugate configurations"): zeta, T2', T3..T8 and every
 // B(k,q) change sign; F^k, alpha, beta, gamma, M^k, P^k keep theirs; the
-// legacy T2 follows the rule of physics notes 6.4 (free_ion.hpp). Every
+// legacy T2 follows Judd's rule (free_ion.hpp). Every
 // scalar free-ion operator is barycentred, so EAVG is the configuration
 // barycentre and both routes give the same levels.
 //

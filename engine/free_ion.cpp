@@ -30,7 +30,7 @@ FreeIonComponent componentFrom(const std::string& name, const JBasis& basis, Ele
     return component;
 }
 
-// Physics notes 4.2: <SLJ|H_SO|S'L'J> = (-1)^(J+L+S') {L L' 1; S' S J} sqrt(l(l+1)(2l+1)) <SL||V(11)||S'L'>
+// Spin-orbit as a scalar product of tensors (Edmonds 1957, eq. 7.1.6): <SLJ|H_SO|S'L'J> = (-1)^(J+L+S') {L L' 1; S' S J} sqrt(l(l+1)(2l+1)) <SL||V(11)||S'L'>
 // (the same 6j as {S' L' J; L S 1}).
 double spinOrbitElement(const EngineTables& tables, const JState& a, const JState& b) {
     return scalarProductElement(tables.terms[a.term], tables.terms[b.term], a.twiceJ, 1,
@@ -79,7 +79,7 @@ Eigen::MatrixXd diagonalTermOperator(const EngineTables& tables, TermValue value
     return diagonal.asDiagonal();
 }
 
-// Judd 1966 / physics notes 6.4: legacy t2 of f^n = t2'(f^n) + (n - 2) e3 / (70 sqrt 2); through the
+// Judd 1966 (legacy t2, docs/conventions.md "Three-body operators"): legacy t2 of f^n = t2'(f^n) + (n - 2) e3 / (70 sqrt 2); through the
 // conjugate tables f^(14-n), t2'(f^n) = -t2'(f^(14-n)) and e3 is the same in both shells.
 Eigen::MatrixXd legacyThreeBodyT2(const EngineTables& tables, int electrons) {
     const double t2PrimeSign = electrons == tables.electrons ? 1.0 : -1.0;
@@ -150,7 +150,7 @@ FreeIonOperators buildFreeIonOperators(const EngineTables& tables, const FreeIon
         return spinOrbitElement(tables, a, b);
     }));
     // Rajnak & Wybourne 1963: alpha L(L+1), beta G(G2), gamma G(R7); the
-    // stored label values are 12 G(G2) and 5 G(R7) (physics notes 2.2).
+    // stored label values are 12 G(G2) and 5 G(R7) (docs/tables.md).
     list.push_back(scalarComponent("ALPHA", tables, basis, diagonalTermOperator(tables, [](const EngineTerm& t) {
                                        return double(t.L * (t.L + 1));
                                    })));

@@ -94,7 +94,7 @@ FreeIonSolution solveFreeIon(const FreeIonOperators& operators, const FreeIonWei
 // F^2, F^4, F^6 from the three electrostatic parameters of a file in the
 // given form: Racah E^1, E^2, E^3 (E^0 belongs to the average energy),
 // Slater F_k (F^k = D_k F_k), or F^k itself.
-// Racah 1949 / physics notes 5.1: F_2 = (E1 + 143 E2 + 11 E3)/42,
+// Racah 1949: F_2 = (E1 + 143 E2 + 11 E3)/42,
 // F_4 = (E1 - 130 E2 + 4 E3)/77, F_6 = (E1 + 35 E2 - 7 E3)/462; D = 225, 1089, 184041/25.
 std::array<double, 3> slaterUpperIntegrals(SlaterType form, const std::array<double, 3>& values);
 

@@ -9,7 +9,7 @@ namespace orvane {
 namespace {
 
 // Parameters whose operators change sign in the conjugate shell f^(14-n)
-// (physics notes section 0 and 6.3); "T2" is not among them: its component
+// (Judd 1963, ch. 5; docs/engine.md "Conjugate configurations"); "T2" is not among them: its component
 // already carries the legacy rule of the actual configuration.
 bool changesSignInConjugate(const std::string& name) {
     return name == "T2'" || name == "T3" || name == "T4" || name == "T6" || name == "T7" || name == "T8";

@@ -1,7 +1,7 @@
 #pragma once
 // The free-ion weights of a parameter set: one value per free-ion component
 // name (see free_ion.hpp), on the route the engine takes (the conjugate
-// f^(14-n) route flips the signs the physics notes give for it).
+// f^(14-n) route flips the signs of docs/engine.md "Conjugate configurations").
 #include <string>
 #include <vector>
 

@@ -6,7 +6,7 @@
 // in J, so the states are grouped into J blocks (twice-J ascending).
 // Crystal-field stage: the |a J MJ> states of the free-ion levels a fall into
 // blocks by the residue of MJ modulo the fold p of the site's main axis,
-// taken as 2 MJ mod 2p so that half-integral MJ work alike (physics notes 9.2).
+// taken as 2 MJ mod 2p so that half-integral MJ work alike (docs/engine.md).
 // Angular momenta are twice-J integers throughout.
 #include <optional>
 #include <vector>
