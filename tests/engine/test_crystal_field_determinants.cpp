@@ -3,7 +3,7 @@
 // |SLJ>): its eigenvalues must equal those of the two-stage engine (free ion in
 // |SLJ>, then the crystal field between free-ion levels) for random parameters.
 //
-// Operators (physics notes 2.3, 5.1, 9.1):
+// Operators (Racah 1949; Judd, Operator Techniques in Atomic Spectroscopy 1963; Wybourne 1965):
 //   Coulomb  sum_k F^k (1/2) <f||C(k)||f>^2 [ (U(k).U(k)) - n/7 ]
 //   zeta     sum_i l_i.s_i = l_z s_z + (l+ s- + l- s+)/2
 //   alpha    L(L+1) = 84 (U(1).U(1))
