@@ -25,22 +25,6 @@ TEST(FactorialTable, HoldsZeroToSeventyNineFactorial) {
     EXPECT_EQ(Factorial(79), table[79]);
 }
 
-TEST(PhaseSign, IsMinusOneToTheAbsoluteRoundedValue) {
-    struct Case {
-        double x;
-        double sign;
-        const char* why;
-    };
-    const Case cases[] = {
-        {0.0, 1.0, "even"},           {1.0, -1.0, "odd"},
-        {2.0, 1.0, "even"},           {-3.0, -1.0, "absolute value taken: |-3| odd"},
-        {-2.0, 1.0, "absolute value"}, {2.95, -1.0, "2.95 + 0.1 rounds to 3"},
-        {3.999, 1.0, "noise below an integer"}, {4.0001, 1.0, "noise above an integer"},
-        {41.0, -1.0, "large odd"},
-    };
-    for (const auto& c : cases) EXPECT_EQ(PhaseSign(c.x), c.sign) << c.x << ": " << c.why;
-}
-
 TEST(TriangleCoefficient, MatchesTheFactorialRatio) {
     // Delta(1 1 0) = sqrt(2! 0! 0! / 3!) = 1/sqrt(3); Delta(3 3 2) = sqrt(4! 2! 2! / 9!)
     EXPECT_NEAR(TriangleCoefficient(1, 1, 0), 1.0 / kRoot3, 1e-15);

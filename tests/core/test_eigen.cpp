@@ -38,6 +38,11 @@ double worstOverlapDefect(const Eigen::MatrixXcd& a, const Eigen::MatrixXcd& b) 
     return worst;
 }
 
+// Largest |a_i - b_i| (0 for empty vectors).
+double largestDifference(const Eigen::VectorXd& a, const Eigen::VectorXd& b) {
+    return a.size() == 0 ? 0.0 : (a - b).cwiseAbs().maxCoeff();
+}
+
 double reconstructionError(const Eigen::MatrixXcd& h, const Eigen::VectorXd& e, const Eigen::MatrixXcd& v) {
     return (v * e.cast<Complex>().asDiagonal() * v.adjoint() - h).cwiseAbs().maxCoeff();
 }
@@ -76,8 +81,8 @@ TEST_P(EigenToeplitz, AnalyticEigenpairsAllAndLowest) {
         ASSERT_EQ(pairs.status, EigenStatus::Ok);
         ASSERT_EQ(pairs.values.size(), m);
         ASSERT_EQ(values.values.size(), m);
-        EXPECT_LT((pairs.values - expectedValues.head(m)).cwiseAbs().maxCoeff(), 1e-12 * (n + 1));
-        EXPECT_LT((values.values - expectedValues.head(m)).cwiseAbs().maxCoeff(), 1e-12 * (n + 1));
+        EXPECT_LE(largestDifference(pairs.values, expectedValues.head(m)), 1e-12 * (n + 1));
+        EXPECT_LE(largestDifference(values.values, expectedValues.head(m)), 1e-12 * (n + 1));
         EXPECT_LT(worstOverlapDefect(pairs.vectors, expectedVectors.leftCols(m)), 1e-9)
             << "a conjugated lower triangle gives e^{-i j phi}";
         if (phi != 0.0) continue;
@@ -85,9 +90,8 @@ TEST_P(EigenToeplitz, AnalyticEigenpairsAllAndLowest) {
         s.triangularView<Eigen::StrictlyUpper>().setConstant(-1e3);
         const auto real = symmetricEigenpairs(s, lowest);
         ASSERT_EQ(real.values.size(), m);
-        EXPECT_LT((real.values - expectedValues.head(m)).cwiseAbs().maxCoeff(), 1e-12 * (n + 1));
-        EXPECT_LT((symmetricEigenvalues(s, lowest).values - expectedValues.head(m)).cwiseAbs().maxCoeff(),
-                  1e-12 * (n + 1));
+        EXPECT_LE(largestDifference(real.values, expectedValues.head(m)), 1e-12 * (n + 1));
+        EXPECT_LE(largestDifference(symmetricEigenvalues(s, lowest).values, expectedValues.head(m)), 1e-12 * (n + 1));
         EXPECT_LT(worstOverlapDefect(real.vectors.cast<Complex>(), expectedVectors.leftCols(m)), 1e-9);
     }
 }
@@ -191,23 +195,6 @@ TEST(HermitianEigen, DiskModeAtALoweredThresholdEqualsMemory) {
     } catch (const UserError& error) {
         EXPECT_NE(std::string(error.what()).find("~HEIGEN.TMP"), std::string::npos);
     }
-}
-
-TEST(HermitianEigen, PrintFileOfADiagonalMatrixHoldsTheSortedStates) {
-    const auto file = test::scratchDirectory("heigen_print") / "states.txt";
-    Eigen::MatrixXd packed = Eigen::Vector3d(3.0, 1.0, 2.0).asDiagonal();
-    MemoryLogBook log;
-    ScriptedAsker asker;
-    ASSERT_EQ(HermitianEigen(packed, kEigenVectorsAndPrintFile, file.string(), log, asker).status,
-              HermitianEigenStatus::Ok);
-    std::ifstream in(file);
-    std::ostringstream text;
-    text << in.rdbuf();
-    EXPECT_EQ(text.str(),
-              "\neigenvalue   eigenvector\n"
-              "Statevector: 1  1.0000000\n 0.0000000  0.0000000  1.0000000  0.0000000  0.0000000  0.0000000 \n"
-              "Statevector: 2  2.0000000\n 0.0000000  0.0000000  0.0000000  0.0000000  1.0000000  0.0000000 \n"
-              "Statevector: 3  3.0000000\n 1.0000000  0.0000000  0.0000000  0.0000000  0.0000000  0.0000000 \n");
 }
 
 TEST(EigenSolvers, NonFiniteOrNonSquareInputIsAStatus) {

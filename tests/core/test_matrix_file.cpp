@@ -82,6 +82,7 @@ INSTANTIATE_TEST_SUITE_P(
         BadFile{"real not symmetric", "2\n1 2\n3 1\n", 3, "entry (2,1) is not the complex conjugate"},
         BadFile{"complex not conjugate", "3\n1 0 1,2\n0 1 0\n1,2 0 1\n", 4,
                 "entry (3,1) is not the complex conjugate of entry (1,3)"},
+        BadFile{"rounding tolerated", "2\n1 0.3333333333333333\n0.33333333333333337 1\n", 0, ""}),
     [](const ::testing::TestParamInfo<BadFile>& info) {
         std::string name;
         for (char c : std::string(info.param.what)) name += std::isalnum(c) ? c : '_';

@@ -57,27 +57,6 @@ TEST(IonOfTitle, ElectronsFromSymbolAndCharge) {
     }
 }
 
-TEST(PointGroups, ThirtyTwoDistinctGroupsWithTheirMainFold) {
-    const auto& groups = crystallographicPointGroups();
-    ASSERT_EQ(groups.size(), 32u);
-    struct Case {
-        const char* name;
-        int fold;
-                 {"C3h", 6}, {"D3h", 6}, {"D6h", 6}, {"Td", 4}, {"Oh", 4}, {"Th", 2}};
-    for (const Case& c : cases) {
-        bool found = false;
-        for (const PointGroup& g : groups)
-            if (g.name == c.name) {
-                found = true;
-                EXPECT_EQ(g.fold, c.fold) << c.name;
-            }
-        EXPECT_TRUE(found) << c.name;
-    }
-    EXPECT_EQ(pointGroupByIndex(7)->name, "C2v");
-    EXPECT_EQ(pointGroupByIndex(0), nullptr);
-    EXPECT_EQ(pointGroupByIndex(33), nullptr);
-}
-
 TEST(FoldCheck, AgreesAsksOrRefuses) {
     EXPECT_EQ(checkFold(2, 7).message, "");  // C2v: 2
     const FoldCheck update = checkFold(1, 26);  // D3h: 6

@@ -157,4 +157,61 @@ TEST(FreeIonComponents, CoulombTermEnergiesOfF2) {
     }
 }
 
+// Pr3+ free-ion levels relative to the ground level 3H4, (2J, E) in increasing energy: computed
+// check values for the free-ion parameters of Carnall, Goodman, Rajnak & Rana 1989 (Table I), term
+// by term (M^4 = 0.31 M^0 = 0.6448 written explicitly).
+struct LevelCase {
+    const char* name;
+    bool racah, magnetic, noSpinSpin, twoBody;
+    std::vector<std::pair<int, double>> levels;
+};
+
+class FreeIonLevels : public ::testing::TestWithParam<LevelCase> {};
+
+TEST_P(FreeIonLevels, PraseodymiumLevelsEqualCheckValues) {
+    const LevelCase& c = GetParam();
+    std::vector<FreeIonRow> other;
+    if (c.twoBody) other = {row("ALPHA", 16.23), row("BETA", -566.6), row("GAMMA", 1371)};
+    if (c.magnetic)
+        for (auto r : {row("M0", 2.08), row("M2", 1.1648), row("M4", 0.6448), row("P2", -88.6), row("P4", -44.3),
+                       row("P6", -8.86)})
+            other.push_back(r);
+    const double D[3] = {225.0, 1089.0, 184041.0 / 25.0};
+    const double F2 = 68878 / D[0], F4 = 50347 / D[1], F6 = 32901 / D[2];
+    auto set = c.racah ? freeIonSet(2, (70 * F2 + 231 * F4 + 2002 * F6) / 9, (F2 - 3 * F4 + 7 * F6) / 9,
+                                    (5 * F2 + 6 * F4 - 91 * F6) / 3, 751.7, other)
+                       : freeIonSet(2, 68878, 50347, 32901, 751.7, other);
+    if (c.racah) set.slaterType = SlaterType::RacahE;
+    set.switches.noSpinSpin = c.noSpinSpin;
+    MemoryLogBook log;
+    const auto levels = computeEnergyLevels(set, tableDirectory(), log, {false, false}).freeIon.levels;
+    ASSERT_EQ(levels.size(), c.levels.size() + 1);
+    EXPECT_EQ(levels[0].twiceJ, 8) << "ground level 3H4";
+    for (std::size_t i = 0; i < c.levels.size(); ++i) {
+        EXPECT_EQ(levels[i + 1].twiceJ, c.levels[i].first) << "level " << i + 1;
+        EXPECT_NEAR(levels[i + 1].energy - levels[0].energy, c.levels[i].second, 0.01) << "level " << i + 1;
+    }
+}
+
+const std::vector<std::pair<int, double>> kSlaterAndZeta = {
+    {10, 2116.30}, {12, 4319.45}, {4, 4908.80},   {6, 6320.24},   {8, 6684.29}, {8, 9587.00},
+    {4, 16837.13}, {12, 20686.83}, {0, 21104.39}, {2, 21734.70}, {4, 22929.23}, {0, 48006.36}};
+
+INSTANTIATE_TEST_SUITE_P(
+    Carnall1989, FreeIonLevels,
+    ::testing::Values(
+        LevelCase{"SlaterAndZeta", false, false, false, false, kSlaterAndZeta},
+        LevelCase{"RacahForm", true, false, false, false, kSlaterAndZeta},
+        LevelCase{"PlusAlphaBetaGamma", false, false, false, true,
+                  {{10, 2108.14}, {12, 4313.28}, {4, 4893.42}, {6, 6303.25}, {8, 6774.52}, {8, 9755.15},
+                   {4, 16851.18}, {0, 20633.63}, {2, 21272.11}, {12, 21325.42}, {4, 22507.28}, {0, 46715.08}}},
+        LevelCase{"PlusMagneticNoSpinSpin", false, true, true, true,
+                  {{10, 2085.63}, {12, 4257.10}, {4, 4895.09}, {6, 6284.45}, {8, 6718.46}, {8, 9732.51},
+                   {4, 16812.60}, {0, 20653.59}, {2, 21274.11}, {12, 21299.36}, {4, 22467.00}, {0, 46699.13}}},
+        LevelCase{"PlusMagneticWithSpinSpin", false, true, false, true,
+                  {{10, 2091.52}, {12, 4258.05}, {4, 4895.03}, {6, 6289.76}, {8, 6720.08}, {8, 9734.45},
+                   {4, 16814.78}, {0, 20632.66}, {2, 21288.18}, {12, 21301.68}, {4, 22467.09}, {0, 46701.20}}}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+}  // namespace
 }  // namespace orvane

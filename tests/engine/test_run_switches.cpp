@@ -16,18 +16,6 @@ TEST(RunSwitches, OrderAndExtraTextDoNotMatter) {
     EXPECT_EQ(a.pointGroup, 12);
 }
 
-TEST(RunSwitches, EnergyUnitLaterTestInOrder234Wins) {
-    struct Case {
-        const char* line;
-        EnergyUnit expected;
-    } cases[] = {
-        {"/Eunit=3 /Eunit=2 ", EnergyUnit::Kelvin},  // 3 is tested after 2
-        {"/Eunit=4 /Eunit=3 ", EnergyUnit::MilliRydberg},
-        {"/Eunit= 3", EnergyUnit::Wavenumber},  // not the switch text
-    };
-    for (const Case& c : cases) EXPECT_EQ(readRunSwitches(c.line).energyUnit, c.expected) << c.line;
-}
-
 TEST(RunSwitches, EveryFlagIsFoundAndWrittenInTableOrder) {
     const RunSwitches all = readRunSwitches(
         "/ccf/printhm/spinmmin= 3 /ptgp= 31 /cubiccf/Eunit=4 /IRnotation= 2 /actualshell/usezic"

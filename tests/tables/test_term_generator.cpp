@@ -52,11 +52,11 @@ TEST(TermGenerator, TermListsEqualThePublishedOrder) {
         const auto file = reference / "terms" / ("f" + std::to_string(std::min(n, 14 - n)) + "-terms.txt");
         const auto published =
             parseStateLabels(readTextFile(file), StateLabelForm::Standard, true, file.string());
-        const auto& generated = test::allConfigurationTables()[n].terms;
+        const auto& generated = test::allConfigurationTables()[n].terms;  // term records
         ASSERT_EQ(published.terms.size(), generated.size()) << "f" << n;
         EXPECT_TRUE(published.warnings.empty());
         for (std::size_t i = 0; i < generated.size(); ++i) {
-            const auto record = termRecordOf(generated[i]);
+            const auto& record = generated[i];
             EXPECT_EQ(record.label, published.terms[i].label) << "f" << n << " term " << i + 1;
             EXPECT_EQ(record.seniority, published.terms[i].seniority) << record.label;
             EXPECT_EQ(record.r7Value, published.terms[i].r7Value) << record.label;
