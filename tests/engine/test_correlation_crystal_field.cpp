@@ -1,5 +1,5 @@
 // The correlation crystal fields in the engine: one-electron closed forms,
-// time-reversal parity, the sign rule of the conjugate route, the tables of
+// the sign rule of the conjugate route, the tables of
 // the orthogonal correlation crystal field and the derivatives by the
 // correlation parameters.
 #include "engine/correlation_crystal_field.hpp"
@@ -75,24 +75,6 @@ TEST(CorrelationCrystalField, OneElectronClosedForms) {
         EXPECT_LT(largestDifference(a, b, false), 1e-9) << c.name;
         EXPECT_GT(a.crystalField.levels.back().energy - a.crystalField.levels.front().energy, 2000.0) << c.name;
     }
-}
-
-TEST(CorrelationCrystalField, TimeEvenOperatorsKeepKramersDoublets) {
-    // A time-odd operator would split Kramers doublets; f3 at fold 1 (one block, nothing
-    // reused from a partner) with only correlation fields must stay doubly degenerate.
-    auto set = ionSet(3, {}, 1);
-    addSection(set, CorrelationKind::Sccf, {bkq(2, 1, 90, -40), bkq(4, 3, -120, 70), bkq(6, 5, 60, 35)});
-    addSection(set, CorrelationKind::Lccf, {bkq(2, 2, 15, 9), bkq(4, 1, -11, 6), bkq(6, 3, 8, -12)});
-    const auto result = run(set, true);
-    const auto& levels = result.crystalField.levels;
-    ASSERT_EQ(levels.size(), 364u);
-    double worst = 0.0, widestSplitting = 0.0;
-    for (std::size_t i = 0; i + 1 < levels.size(); i += 2) {
-        worst = std::max(worst, levels[i + 1].energy - levels[i].energy);
-        if (i + 2 < levels.size()) widestSplitting = std::max(widestSplitting, levels[i + 2].energy - levels[i + 1].energy);
-    }
-    EXPECT_LT(worst, 1e-6);
-    EXPECT_GT(widestSplitting, 10.0);  // the fields do split the multiplets
 }
 
 TEST(CorrelationCrystalField, ConjugateRouteKeepsTheSignsOfTheCorrelationParameters) {
