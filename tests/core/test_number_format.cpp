@@ -19,14 +19,6 @@ struct PictureCase {
     const char* what;  // which rule the row exercises
 };
 
-class PictureFormat : public ::testing::TestWithParam<PictureCase> {};
-
-TEST_P(PictureFormat, MatchesHandWorkedText) {
-    const PictureCase& c = GetParam();
-    EXPECT_EQ(formatNumber(c.value, c.picture), c.expected)
-        << c.what << ": value " << c.value << " picture \"" << c.picture << "\"";
-}
-
 const PictureCase kPictureCases[] = {
     {3.14159, "######0.0000", "      3.1416", "pad and round down"},
     {1234.56785, "######0.0000", "   1234.5679", "round half up at the 5th decimal"},
@@ -56,7 +48,11 @@ const PictureCase kPictureCases[] = {
     {2.5e3, "0.00E-00", "2.50E03", "'E-' prints no plus"},
 };
 
-INSTANTIATE_TEST_SUITE_P(Pictures, PictureFormat, ::testing::ValuesIn(kPictureCases));
+TEST(PictureFormat, MatchesHandWorkedText) {
+    for (const PictureCase& c : kPictureCases)
+        EXPECT_EQ(formatNumber(c.value, c.picture), c.expected)
+            << c.what << ": value " << c.value << " picture \"" << c.picture << "\"";
+}
 
 TEST(PictureFormatSpecial, NonFiniteValuesAreNamed) {
     EXPECT_EQ(formatNumber(std::numeric_limits<double>::quiet_NaN(), "#0.00"), "NaN");
@@ -68,12 +64,6 @@ struct GeneralCase {
     double value;
     const char* expected;
 };
-
-class GeneralNumber : public ::testing::TestWithParam<GeneralCase> {};
-
-TEST_P(GeneralNumber, MatchesStrForm) {
-    EXPECT_EQ(generalNumber(GetParam().value), GetParam().expected) << GetParam().value;
-}
 
 // Classic Str$ results, worked from its rules: leading blank for non-negative,
 // no zero before the point, no trailing zeros, 15 significant digits, E form
@@ -91,7 +81,9 @@ const GeneralCase kGeneralCases[] = {
     {-1234567.125, "-1234567.125"},
 };
 
-INSTANTIATE_TEST_SUITE_P(StrForm, GeneralNumber, ::testing::ValuesIn(kGeneralCases));
+TEST(GeneralNumber, MatchesStrForm) {
+    for (const GeneralCase& c : kGeneralCases) EXPECT_EQ(generalNumber(c.value), c.expected) << c.value;
+}
 
 TEST(TwiceJ, HalfIntegersAsFractionIntegersPlain) {
     EXPECT_EQ(formatTwiceJ(7), "7/2");   // J = 3.5
