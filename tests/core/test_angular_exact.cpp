@@ -296,28 +296,15 @@ ExactSymbol exactNineJ(const std::array<int, 9>& j) {
 struct Agreement {
     long count = 0;
     long failures = 0;
-    double worstRelative = 0.0;
-    double worstZero = 0.0;
     std::string firstFailure;
 
     void check(double computed, const ExactSymbol& exact, const std::string& label) {
         ++count;
         const double value = exact.toDouble();
-        bool ok;
-        if (exact.isZero()) {
-            worstZero = std::max(worstZero, std::fabs(computed));
-            ok = std::fabs(computed) <= 1e-14;
-        } else {
-            const double relative = std::fabs(computed - value) / std::fabs(value);
-            worstRelative = std::max(worstRelative, relative);
-            ok = relative <= 1e-12;
-        }
+        const bool ok = exact.isZero() ? std::fabs(computed) <= 1e-14
+                                       : std::fabs(computed - value) <= 1e-12 * std::fabs(value);
         if (!ok && failures++ == 0)
             firstFailure = label + ": computed " + std::to_string(computed) + ", exact " + std::to_string(value);
-    }
-    void report(const char* what) const {
-        std::cout << "[ exact    ] " << what << ": " << count << " symbols, worst relative error "
-                  << worstRelative << ", largest value at an exact zero " << worstZero << "\n";
     }
 };
 
@@ -330,7 +317,7 @@ std::string twiceLabel(std::initializer_list<int> twice) {
 constexpr int kTwiceJMax = 16;  // j up to 8, half-integers included
 
 TEST(ExactSymbols, ExactEvaluatorReproducesKnownValues) {
-    // Physics reference 1.2 [computed, exact]
+    // Exact values of Edmonds 1957 (Tables 2 and 5) and of the 9j sum.
     EXPECT_NEAR(exactThreeJ(2, 2, 0, 2, -2, 0).toDouble(), 1.0 / std::sqrt(3.0), 1e-15);
     EXPECT_NEAR(exactThreeJ(6, 4, 6, 0, 0, 0).toDouble(), 2.0 * std::sqrt(105.0) / 105.0, 1e-15);
     EXPECT_NEAR(exactSixJ(6, 6, 4, 6, 6, 4).toDouble(), 19.0 / 420.0, 1e-15);
@@ -356,7 +343,6 @@ TEST(ExactSymbols, EveryThreeJUpToEightAgrees) {
                                         "3j " + twiceLabel({j1, j2, j3, m1, m2, m3}));
                     }
             }
-    agreement.report("3j, j <= 8");
     EXPECT_GT(agreement.count, 90000);  // every valid 3j with j <= 8
     EXPECT_EQ(agreement.failures, 0) << agreement.firstFailure;
 }
@@ -404,8 +390,7 @@ TEST(ExactSymbols, EverySixJUpToEightAgrees) {
                         }
                     }
             }
-    agreement.report("6j, j <= 8 (all 24 images of each orbit)");
-    std::cout << "[ exact    ] 6j orbits evaluated exactly: " << orbits << "\n";
+    EXPECT_GT(orbits, 1000);
     EXPECT_EQ(agreement.failures, 0) << agreement.firstFailure;
 }
 
@@ -497,10 +482,7 @@ TEST(ExactSymbols, EveryNineJUpToFourAgrees) {
                                     }
                         }
             }
-    exactForm.report("9j (NineJ2Exact), j <= 4, all images");
-    historicForm.report("9j (NineJ2 with the x_max = 0 rule), j <= 4, all images");
-    std::cout << "[ exact    ] 9j orbits evaluated exactly: " << orbits
-              << "; images where the x_max = 0 rule returns 0 for a non-zero symbol: " << gZeroRuleCases << "\n";
+    EXPECT_GT(orbits, 1000);
     EXPECT_GT(gZeroRuleCases, 0);
     EXPECT_EQ(exactForm.failures, 0) << exactForm.firstFailure;
     EXPECT_EQ(historicForm.failures, 0) << historicForm.firstFailure;
@@ -527,8 +509,6 @@ TEST(ExactSymbols, RandomNineJUpToEightAgree) {
         ++orbits;
         checkNineJOrbit(s, exactForm, historicForm);
     }
-    exactForm.report("9j (NineJ2Exact), random orbits with j <= 8, all images");
-    historicForm.report("9j (NineJ2), random orbits with j <= 8, all images");
     EXPECT_EQ(exactForm.failures, 0) << exactForm.firstFailure;
     EXPECT_EQ(historicForm.failures, 0) << historicForm.firstFailure;
 }

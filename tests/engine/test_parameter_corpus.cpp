@@ -55,28 +55,5 @@ TEST(ParameterCorpus, EveryFileParsesOrIsRefusedWithFileAndLine) {
     EXPECT_EQ(parsed, static_cast<int>(kMustParse.size()));
 }
 
-TEST(ParameterCorpus, QuirkyFilesReadAsIntended) {
-    const auto dir = test::sourceDirectory() / "tests" / "engine" / "parameter_corpus";
-    const ParameterSet switches = readParameterFile(dir / "switches-any-order.par");
-    EXPECT_EQ(switches.switches.energyUnit, EnergyUnit::Kelvin);  // "/Eunit=3" tested after "=2"
-    EXPECT_EQ(switches.switches.irNotation, 4);                   // "/mnuIRcqn"
-    EXPECT_TRUE(switches.switches.noSpinSpin);
-    EXPECT_EQ(switches.switches.pointGroup, 7);
-
-    const ParameterSet v1 = readParameterFile(dir / "version1-no-header.par");
-    EXPECT_EQ(v1.version, 1);
-    EXPECT_EQ(v1.title, "Pr3+:LaF3");
-
-    const ParameterSet note = readParameterFile(dir / "note-with-braces.par");
-    EXPECT_EQ(note.note, "Carnall");
-
-    const ParameterSet ccf = readParameterFile(dir / "ccf-good.par");
-    ASSERT_EQ(ccf.correlationCF.size(), 2u);
-    EXPECT_EQ(ccf.correlationCF[0].kind, CorrelationKind::Lccf);
-    EXPECT_DOUBLE_EQ(ccf.correlationCF[0].rows[0].re.value, 1.5);
-    EXPECT_EQ(ccf.correlationCF[1].kind, CorrelationKind::OccfA);
-    EXPECT_DOUBLE_EQ(ccf.correlationCF[1].rows[0].re.value, -2.0);
-}
-
 }  // namespace
 }  // namespace orvane

@@ -12,51 +12,8 @@ TEST(RunSwitches, OrderAndExtraTextDoNotMatter) {
     const RunSwitches b =
         readRunSwitches("junk /cubiccf and /ptgp=12, then /Eunit=2/actualshell x /usezic /noss");
     EXPECT_EQ(a, b);
-    EXPECT_TRUE(a.noSpinSpin);
-    EXPECT_TRUE(a.useZic);
-    EXPECT_TRUE(a.actualShell);
-    EXPECT_TRUE(a.cubicCF);
     EXPECT_EQ(a.energyUnit, EnergyUnit::MilliElectronVolt);
     EXPECT_EQ(a.pointGroup, 12);
-    EXPECT_FALSE(a.opimkpk);
-    EXPECT_FALSE(a.wrongRankSpinSpin);
-}
-
-TEST(RunSwitches, EnergyUnitLaterTestInOrder234Wins) {
-    struct Case {
-        const char* line;
-        EnergyUnit expected;
-    } cases[] = {
-        {"", EnergyUnit::Wavenumber},
-        {"/Eunit=1 ", EnergyUnit::Wavenumber},
-        {"/Eunit=2 ", EnergyUnit::MilliElectronVolt},
-        {"/Eunit=3 /Eunit=2 ", EnergyUnit::Kelvin},  // 3 is tested after 2
-        {"/Eunit=2 /Eunit=3 ", EnergyUnit::Kelvin},
-        {"/Eunit=4 /Eunit=3 ", EnergyUnit::MilliRydberg},
-        {"/Eunit= 3", EnergyUnit::Wavenumber},  // not the switch text
-    };
-    for (const Case& c : cases) EXPECT_EQ(readRunSwitches(c.line).energyUnit, c.expected) << c.line;
-}
-
-TEST(RunSwitches, IrNotationValuesAndOlderForms) {
-    struct Case {
-        const char* line;
-        int expected;
-    } cases[] = {
-        {"", 1},
-        {"/IRnotation= 3 ", 3},
-        {"/IRnotation=4", 4},
-        {"/IRnotation= 5 ", 1},  // outside 1..4: ignored
-        {"/IRnotation= 0 ", 1},
-        {"/IRnotation= x ", 1},
-        {"/mnuIRkoster", 1},
-        {"/mnuIRmuliken", 2},
-        {"/mnuIRuser", 3},
-        {"/mnuIRcqn", 4},
-        {"/mnuIRcqn /IRnotation= 2 ", 2},  // the new form wins
-        {"/mnuIRcqn /IRnotation= 9 ", 4},  // an invalid new form is ignored
-    };
-    for (const Case& c : cases) EXPECT_EQ(readRunSwitches(c.line).irNotation, c.expected) << c.line;
 }
 
 TEST(RunSwitches, EveryFlagIsFoundAndWrittenInTableOrder) {
@@ -83,13 +40,6 @@ TEST(RunSwitches, SimilarTextsAreNotConfused) {
     EXPECT_FALSE(s.correlationSections);
     EXPECT_FALSE(s.minSpinMultiplicity.has_value());
     EXPECT_FALSE(s.pointGroup.has_value());
-}
-
-TEST(RunSwitches, UnitNames) {
-    EXPECT_EQ(energyUnitName(EnergyUnit::Wavenumber), "cm^-1");
-    EXPECT_EQ(energyUnitName(EnergyUnit::MilliElectronVolt), "meV");
-    EXPECT_EQ(energyUnitName(EnergyUnit::Kelvin), "K");
-    EXPECT_EQ(energyUnitName(EnergyUnit::MilliRydberg), "mRy");
 }
 
 }  // namespace

@@ -4,9 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include "interactive/parameter_dialogs.hpp"
-#include "core/asker.hpp"
-#include "core/log_book.hpp"
 #include "params/cf_conventions.hpp"
 #include "params/cf_invariants.hpp"
 #include "params/cf_rotation.hpp"
@@ -31,7 +28,8 @@ CfTable prLaF3() {
 }
 
 TEST(Invariants, PublishedParameterSetInEveryNormalisation) {
-    // s_k of Pr3+:LaF3: 123.551, 431.416, 529.268 (physics reference 9.5, computed).
+    // s_k = (sum_q |B(k,q)|^2 / (2k+1))^(1/2) of Pr3+:LaF3 (Carnall et al. 1989, Table I), computed:
+    // 123.551, 431.416, 529.268.
     const CfTable wybourne = prLaF3();
     const double expected[3] = {123.551, 431.416, 529.268};
     for (CfConversion c : {CfConversion::WybourneToStevens, CfConversion::WybourneToUnit}) {
@@ -60,10 +58,6 @@ TEST(Invariants, UncertaintiesPropagateToFirstOrder) {
     EXPECT_NEAR(inv.sigmaS[0], std::sqrt(2.0 / 5.0) * std::sqrt(2.08), 1e-12);
     EXPECT_NEAR(inv.strength, inv.s[0] / std::sqrt(3.0), 1e-12);
     EXPECT_NEAR(inv.sigmaStrength, inv.sigmaS[0] / std::sqrt(3.0), 1e-12);
-    const auto lines = invariantLines(inv);
-    ASSERT_EQ(lines.size(), 5u);
-    EXPECT_EQ(lines[1].rfind("CF Rotational invariants s2 = ", 0), 0u) << lines[1];
-    EXPECT_EQ(lines[4].rfind("Crystal field strength = ", 0), 0u);
 }
 
 TEST(Invariants, UnchangedByRotation) {
@@ -106,8 +100,8 @@ TEST(CubicApproximation, SetsKeepTheirInvariantsAndRotateIntoEachOther) {
         EXPECT_NEAR(back.s[1], 300.0, 1e-6);
         EXPECT_NEAR(back.s[2], 200.0, 1e-6);
     }
-    // [001] rotated by C4toC3 is the [111] set; B40 changes sign (physics reference 9.7:
-    // B40 = 1 gives B40' = -2/3), B60 keeps it.
+    // [001] rotated by C4toC3 is the [111] set; B40 changes sign (B40 = 1 gives B40' = -2/3,
+    // P4 at the cube diagonal), B60 keeps it.
     const BkqArray rotated = rotateBkq(arrayOf(c4), c4ToC3Angles());
     const BkqArray c3 = arrayOf(cubicSet(inv, -1.0, 1.0, CubicAxis::Threefold111));
     for (int k = 2; k <= 6; k += 2)
@@ -139,28 +133,6 @@ TEST(CubicApproximation, UncertaintiesListingAndAdoption) {
     EXPECT_NEAR(set[3].value / set[2].value, -std::sqrt(3.5), 1e-12);
     EXPECT_NEAR(set[3].sigma, std::sqrt(3.5) * std::sqrt(13.0 / 8.0) * 2.0, 1e-12);
 
-    CfTable table;
-    table.rows = {row(2, 0, "100"), row(4, 0, "-500(10)"), row(4, 4, "-200"), row(6, 0, "300"), row(6, 4, "-400")};
-    for (Choice answer : {Choice::No, Choice::Yes}) {
-        CfTable t = table;
-        ScriptedAsker asker({}, {answer});
-        MemoryLogBook log;
-        const auto c3 = cubicApproximationAsking(t, CfNormalisation::Wybourne, CubicAxis::Threefold111, asker, log);
-        EXPECT_EQ(log.lines()[0], "Cubic approximation of crystal field parameters along 3-fold [111] axis:");
-        EXPECT_EQ(log.lines()[1].rfind("B40 = ", 0), 0u);
-        EXPECT_EQ(log.lines()[5].rfind("B66 = ", 0), 0u);
-        EXPECT_EQ(asker.messages()[0], "Cubic approx. of CFP: Adopt the above crystal field parameters?");
-        EXPECT_LT(c3[0].value, 0.0);  // sign of the current B40
-        if (answer == Choice::No) {
-            EXPECT_EQ(t.rows.size(), 5u);
-            EXPECT_EQ(t.rows[0].re.text, "100");
-        } else {
-            ASSERT_EQ(t.rows.size(), 5u);
-            EXPECT_EQ(t.rows[1].k, 4);
-            EXPECT_EQ(t.rows[1].q, 3);
-            EXPECT_NE(t.rows[0].re.text.find('('), std::string::npos) << "uncertainty kept";
-        }
-    }
 }
 
 }  // namespace

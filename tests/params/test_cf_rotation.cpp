@@ -1,5 +1,5 @@
 // Rotations of crystal-field parameters: the operator test in a J multiplet, the
-// fixed rotations, Bkqzero, garnet sites and the log lines.
+// fixed rotations, Bkqzero and the garnet sites.
 #include <cmath>
 #include <complex>
 #include <random>
@@ -94,7 +94,7 @@ TEST(RotationOfParameters, EqualsRotatingTheIonInAJMultiplet) {
 }
 
 TEST(RotationOfParameters, CheckValuesOfFixedRotations) {
-    // B20 = 1 rotated by (0, 90, 0): B20' = -1/2, B22' = sqrt(6)/4 (physics reference 9.7).
+    // B20 = 1 rotated by (0, 90, 0): B20' = -1/2, B22' = sqrt(6)/4 (d^2 matrix at 90 degrees, Edmonds 1957, Table 2).
     BkqArray axial{};
     axial[2][0] = 1.0;
     const BkqArray turned = rotateBkq(axial, {0, 90, 0});
@@ -153,64 +153,6 @@ TEST(RotationCommands, ZeroImaginaryPartRules) {
             }
         EXPECT_TRUE(history.previous.has_value());
     }
-    MemoryLogBook log;
-    RotationHistory history;
-    CfTable table = tableOf({{2, 2, 0.0, 50.0}});
-    rotateToZeroImaginary(table, 2, 2, log, history);
-    EXPECT_EQ(log.lines()[1], "The coordinates frame for the CFP has been rotated by " +
-                                  formatNumber(45.0, "###0.0####") + " deg. to set ImB22 = 0");
-}
-
-TEST(RotationCommands, ZeroImaginaryPartMessages) {
-    CfTable table = tableOf({{4, 0, 1.0, 0.0}, {4, 2, 1.0, 1.0}});
-    MemoryLogBook log;
-    RotationHistory history;
-    struct Case { std::string answer; std::string message; };
-    const Case cases[] = {
-        {"4", "Rotation to set ImBkq=0: Need to provide both k and q value to rotate Im Bkq=0. Your input is just:4"},
-        {"6 4", "Rotation to set ImBkq=0: There is no ImB64 found to set it zero!"},
-        {"4,0", "Rotation to set ImBkq=0: No need or impossible to rotate Im B40 to zero as it should be zero in itself!"},
-    };
-    for (const Case& c : cases) {
-        ScriptedAsker asker({c.answer});
-        EXPECT_FALSE(rotateToZeroImaginaryAsking(table, asker, log, history));
-        ASSERT_EQ(asker.messages().size(), 1u);
-        EXPECT_EQ(asker.messages()[0], c.message);
-        EXPECT_EQ(asker.questions()[0].prompt, "Give values of k and q to set ImBkq=0 by rotation around the z-axis:");
-    }
-    EXPECT_FALSE(history.previous.has_value()) << "nothing rotated";
-}
-
-TEST(RotationCommands, AskedAnglesLogLinesAndRecovery) {
-    CfTable table = tableOf({{2, 0, 1.0, 0.0}});
-    const CfTable original = table;
-    ScriptedAsker asker({"0; 90,0"});
-    MemoryLogBook log;
-    RotationHistory history;
-    ASSERT_TRUE(rotateByAskedAngles(table, asker, log, history));
-    EXPECT_EQ(asker.questions()[0].prompt,
-              "Give Euler's angles of rotation (Alpha, Beta and Gamma) in degree (separated by a space or a comma ):");
-    EXPECT_EQ(log.lines().front(), std::string(47, '#'));
-    EXPECT_EQ(log.lines()[1], "The coordinates frame for the CFP has been rotated by Euler's angles:");
-    EXPECT_EQ(log.lines().back(), std::string(47, '#'));
-    ASSERT_EQ(table.rows.size(), 3u);  // every q >= 0 of rank 2
-    EXPECT_EQ(table.rows[0].re.text, "-0.5");
-    EXPECT_EQ(table.rows[2].re.text, "0.61237");  // sqrt(6)/4 with "#####0.0####"
-    ASSERT_TRUE(recoverPreviousRows(table, history));
-    EXPECT_EQ(table.rows.size(), original.rows.size());
-    EXPECT_EQ(table.rows[0].re.text, original.rows[0].re.text);
-    EXPECT_FALSE(recoverPreviousRows(table, history));
-
-    MemoryLogBook fixed;
-    rotateC4toC3(table, fixed, history);
-    EXPECT_TRUE(fixed.contains("The coordinates frame for the CFP has been rotated from [001] to [111] axis with  Euler's angles: 45.0 54.73561 0.0"))
-        << fixed.text();
-    rotateC3toC4(table, fixed, history);
-    EXPECT_TRUE(fixed.contains("rotated from [111] to [001] axis with  Euler's angles: "));
-    EXPECT_NEAR(cellNumber(table.rows[0].re), 1.0, 1e-9);
-    // An empty answer cancels.
-    ScriptedAsker empty({""});
-    EXPECT_FALSE(rotateByAskedAngles(table, empty, fixed, history));
 }
 
 TEST(RotationCommands, GarnetSitesAndTheirInverses) {
@@ -231,15 +173,6 @@ TEST(RotationCommands, GarnetSitesAndTheirInverses) {
     EXPECT_TRUE(choice->toSiteOne);
     EXPECT_FALSE(parseGarnetChoice("9"));
 
-    CfTable table = tableOf({{2, 0, 1.0, 0.0}});
-    ScriptedAsker asker({"3"});
-    MemoryLogBook log;
-    RotationHistory history;
-    ASSERT_TRUE(rotateToGarnetSiteAsking(table, asker, log, history));
-    EXPECT_EQ(asker.questions()[0].title, "Rotation of Crystal Field Parameters for Equivalent Sites in Garnets");
-    EXPECT_TRUE(log.contains(" by Euler's angles: 0.0 90.0 0.0")) << log.text();
-    EXPECT_EQ(asker.messages().back(),
-              "Rotation of Crystal Field Parameters for Equivalent Sites in Garnets: The transformed Crystal Field Parameters are now shown in the Logbook.");
 }
 
 }  // namespace

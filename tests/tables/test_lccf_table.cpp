@@ -63,27 +63,5 @@ TEST(LccfTable, HermitianSpinScalarTensorSymmetry) {
     }
 }
 
-TEST(LccfTable, InteractiveGeneratorWritesTheTable) {
-    // Operator 3 asks "Give the Rank K of UK(LCCF) Operator >", refuses K = 3 and writes
-    // f2RMULCCF4.val (stored half) with the values of lccfMatrixFromParentage.
-    const auto dir = test::scratchDirectory("tables_interactive_lccf");
-    MemoryLogBook log;
-    writeDeliveredTables(test::generatedConfigurations(), dir, log);
-    ScriptedAsker asker({"f", "2", "3", "3", "4", "", "3"});
-    runReducedMatrixGenerator(asker, log, dir);
-    bool asked = false;
-    for (const auto& question : asker.questions()) asked = asked || question.prompt == "Give the Rank K of UK(LCCF) Operator >";
-    EXPECT_TRUE(asked);
-    EXPECT_TRUE(log.contains("invalid Rank k  !!!"));
-    const auto path = findCaseBlind(dir, "f2RMULCCF4.val");
-    ASSERT_TRUE(path.has_value());
-    const auto& terms = allConfigurationTables()[2].terms;
-    const auto stored = parseReducedTable(readTextFile(*path), static_cast<int>(terms.size()), path->string());
-    const auto full = completeFromStoredHalf(stored, spinOrbitOf(terms));
-    EXPECT_LT((full - lccfOf(2, 4)).cwiseAbs().maxCoeff(), 1e-12);
-    EXPECT_THROW(BuildLccfTable(2, 3, dir, log), UserError);
-    EXPECT_EQ(BuildLccfTable(2, 2, dir, log).filename(), "f2RMULCCF2.val");
-}
-
 }  // namespace
 }  // namespace orvane

@@ -1,5 +1,5 @@
-// Magnetic two-body operators and the few-body escalation: f2 check values of
-// the physics notes (section 7), product traces, and the escalation formulas
+// Magnetic two-body operators and the few-body escalation: f2 values of Judd,
+// Crosswhite & Crosswhite, Phys. Rev. 169, 130 (1968), product traces, and the escalation formulas
 // checked against the independent U(k) route of the Coulomb matrices.
 #include <cmath>
 
@@ -34,7 +34,7 @@ TEST(MagneticOperators, F2ElementsEqualJuddCrosswhiteValues) {
         double actual, expected, tolerance;
     };
     const Case cases[] = {
-        // physics notes 7.1 [computed]: SOO + ECSO 3P-3P = (-61/2, -145/2, -5415/66, -0.2388889, -0.0479798, 0.1699693)
+        // JCC 1968 Table I (computed from it): SOO + ECSO 3P-3P = (-61/2, -145/2, -5415/66, -0.2388889, -0.0479798, 0.1699693)
         {"soo M0 3P3P", m.spinOtherOrbit[0](p3, p3), -61.0 / 2, 1e-12},
         {"soo M2 3P3P", m.spinOtherOrbit[1](p3, p3), -145.0 / 2, 1e-12},
         {"soo M4 3P3P", m.spinOtherOrbit[2](p3, p3), -5415.0 / 66, 1e-12},
@@ -58,9 +58,9 @@ TEST(MagneticOperators, F2ElementsEqualJuddCrosswhiteValues) {
     EXPECT_NEAR(m.spinOtherOrbit[0](s1, s1), 0.0, 1e-15);
 }
 
-TEST(MagneticOperators, F2ProductTracesEqualPhysicsCheckValues) {
+TEST(MagneticOperators, F2ProductTracesEqualCheckValues) {
     const Eigen::MatrixXd traces = magneticTraceMatrix(allMagnetic()[2]);
-    // Order: mss0 mss2 mss4 msoo0 msoo2 msoo4 p2 p4 p6. Physics notes 7.7 [computed], traces over 91 states.
+    // Order: mss0 mss2 mss4 msoo0 msoo2 msoo4 p2 p4 p6. Computed check values, traces over 91 states.
     struct Case {
         int a, b;
         double expected, tolerance;
@@ -129,14 +129,6 @@ TEST(TwoBodyEscalation, RankZeroDoubleTensorAndScalarRouteReproduceCoulombMatric
                 << "double-tensor route f" << n << " k=" << 2 * k + 2;
         }
     }
-}
-
-TEST(TwoBodyEscalation, RejectsTooFewElectrons) {
-    const auto& t = test::allConfigurationTables()[2];
-    const auto so = spinOrbitOf(t.terms);
-    EXPECT_THROW(escalateTwoBodyDoubleTensor(2, 1, so, spinOrbitOf(t.parents), t.cfp, Eigen::MatrixXd::Zero(1, 1)),
-                 std::invalid_argument);
-    EXPECT_THROW(escalateScalarOperator(3, 3, so, so, t.cfp, Eigen::MatrixXd::Zero(7, 7)), std::invalid_argument);
 }
 
 }  // namespace

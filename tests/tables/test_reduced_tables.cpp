@@ -34,7 +34,7 @@ TEST(ReducedTables, ParentageOfEveryConfigurationIsNormalised) {
 
 TEST(ReducedTables, ComplementarityRelationsHoldForEveryRank) {
     // U(k)(f^N) = -(-1)^k U(k)(f^(14-N)), V(1k)(f^N) = (-1)^k V(1k)(f^(14-N)), k >= 1
-    // (physics notes 3.3), for N = 8..13 built from the complementary coefficients.
+    // (Nielson & Koster 1963, complementarity), for N = 8..13 built from the complementary coefficients.
     for (int N = 8; N <= 13; ++N) {
         const auto& high = allConfigurationTables()[N];
         const auto& low = allConfigurationTables()[14 - N];
@@ -49,17 +49,8 @@ TEST(ReducedTables, ComplementarityRelationsHoldForEveryRank) {
     }
 }
 
-TEST(ReducedTables, FilledShellHasOneTermWithOneParent) {
-    // f14: 1S with the single parent 2F, coefficient of magnitude 1.
-    const auto& f14 = allConfigurationTables()[14];
-    ASSERT_EQ(f14.cfp.rows(), 1);
-    ASSERT_EQ(f14.cfp.cols(), 1);
-    EXPECT_NEAR(std::abs(f14.cfp(0, 0)), 1.0, 1e-15);
-    EXPECT_EQ(f14.terms[0].label, "1S");
-}
-
 TEST(ReducedTables, OneElectronValues) {
-    // f1: <2F||U(k)||2F> = 1, <2F||V(1k)||2F> = sqrt(3/2); f13: U(k) = -(-1)^k (physics notes 4.2, 4.3).
+    // f1: <2F||U(k)||2F> = 1, <2F||V(1k)||2F> = sqrt(3/2); f13: U(k) = -(-1)^k (one hole).
     for (int k = 1; k <= 6; ++k) {
         EXPECT_NEAR(allConfigurationTables()[1].unitTensor[k](0, 0), 1.0, 1e-14);
         EXPECT_NEAR(allConfigurationTables()[1].doubleTensor[k](0, 0), std::sqrt(1.5), 1e-14);
@@ -68,7 +59,7 @@ TEST(ReducedTables, OneElectronValues) {
 }
 
 TEST(ReducedTables, PublishedValuesOfF2) {
-    // Physics notes 4.2/4.3 (fncross f2): <3F||U(2)||3F> = -1/3, <3H||V(11)||3H> = sqrt(165/28),
+    // Nielson & Koster 1963, f2: <3F||U(2)||3F> = -1/3, <3H||V(11)||3H> = sqrt(165/28),
     // |<3P||V(11)||1S>| = sqrt(3/7); U(0) of 3P = 2 sqrt(3/7) = 1.309307.
     const auto& f2 = allConfigurationTables()[2];
     const int p3 = termIndex(f2, "3P"), f3 = termIndex(f2, "3F"), h3 = termIndex(f2, "3H"),
@@ -80,7 +71,7 @@ TEST(ReducedTables, PublishedValuesOfF2) {
 }
 
 TEST(ReducedTables, CoulombEnergiesOfF2) {
-    // Physics notes 5.2: coefficients of F_2, F_4, F_6 (f^k = D_k f_k) for the f2 terms.
+    // Condon & Shortley 1935: coefficients of F_2, F_4, F_6 (f^k = D_k f_k) for the f2 terms.
     struct Case { const char* label; double f2, f4, f6; };
     const Case cases[] = {{"3P", 45, 33, -1287}, {"3F", -10, -33, -286}, {"3H", -25, -51, -13},
                           {"1S", 60, 198, 1716}, {"1D", 19, -99, 715},   {"1G", -30, 97, 78},
@@ -95,7 +86,8 @@ TEST(ReducedTables, CoulombEnergiesOfF2) {
 }
 
 TEST(ReducedTables, ElectrostaticTracesOverTheFullSpace) {
-    // Physics notes 5.4: Tr(e1^2), Tr(e2^2), Tr(e3^2) with [S][L] weights, cross traces 0.
+    // Racah 1949 operators e1, e2, e3: Tr(e1^2), Tr(e2^2), Tr(e3^2) with [S][L] weights (computed check
+    // values), cross traces 0.
     struct Case { int n; double e1, e2, e3; };
     const Case cases[] = {{2, 189, 1081080, 13860}, {3, 3024, 10810800, 138600}, {4, 23814, 48648600, 623700}};
     for (const auto& c : cases) {
@@ -112,15 +104,6 @@ TEST(ReducedTables, ElectrostaticTracesOverTheFullSpace) {
         const auto traces = electrostaticTraces(n, spinOrbitOf(t.terms), t.coulomb[0], t.coulomb[1], t.coulomb[2]);
         for (double product : traces.products) EXPECT_NEAR(product, 0.0, 1e-6 * traces.squares[1]) << "f" << n;
     }
-}
-
-TEST(ReducedTables, TraceLinesKeepTheirTexts) {
-    ElectrostaticTraces traces;
-    traces.squares = {189, 1081080, 13860};
-    const auto lines = electrostaticTraceLines(traces);
-    ASSERT_EQ(lines.size(), 6u);
-    EXPECT_EQ(lines[0], "Trace^2 for e1 =  189");
-    EXPECT_EQ(lines[3], "Trace of operaotr product between e1 and e2 =  0");
 }
 
 // Determinant-space matrix element <psi, M=L| U(k)_q |psi', M'=L'> with q = L - L'.

@@ -1,7 +1,7 @@
-// Three-body operators t_i: f3 seed check values (Hansen, Judd & Crosswhite
-// 1996 as quoted in the physics notes 6.5), tracelessness, mutual
+// Three-body operators t_i: f3 seed check values (Hansen, Judd & Crosswhite,
+// At. Data Nucl. Data Tables 62, 1 (1996)), tracelessness, mutual
 // orthogonality and orthogonality to the two-body operators, the pure
-// three-body norm scaling, the legacy t2 and the file layout of "meti.val".
+// three-body norm scaling and the legacy t2.
 #include <cmath>
 
 #include <gtest/gtest.h>
@@ -46,7 +46,7 @@ TEST(ThreeBodyOperators, CheckValuesOfF3AndF4) {
     };
     const int d4 = indexOf(3, "4D");
     const Case cases[] = {
-        // physics notes 6.5 [published, Hansen/Judd]
+        // Hansen, Judd & Crosswhite 1996 (published)
         {"f3 t3(4S)", f3[1](indexOf(3, "4S"), indexOf(3, "4S")), 3.51324},
         {"f3 t3(4F)", f3[1](indexOf(3, "4F"), indexOf(3, "4F")), -0.87831},
         {"f3 t4(4D)", f3[2](d4, d4), -1.167007},
@@ -55,7 +55,7 @@ TEST(ThreeBodyOperators, CheckValuesOfF3AndF4) {
         {"f3 t2'(4D)", f3[0](d4, d4), 0.777817},
         {"f3 e3(4D)", e3f3(d4, d4), 33.0},
         {"f3 legacy t2(4D)", legacy3[0](d4, d4), 1.111168},
-        // physics notes 6.5 [published and computed]
+        // Hansen et al. 1996 (published) and the t2 relation (computed)
         {"f4 t3(5S)", f4[1](indexOf(4, "5S"), indexOf(4, "5S")), -3.51324},
         // 1.555635 + (2/(70 sqrt 2)) 33 = 2.222335 (the published f4 table prints 2.222329, 6e-6 lower)
         {"f4 t2'(5D)", f4[0](indexOf(4, "5D"), indexOf(4, "5D")), 1.555635},
@@ -91,7 +91,8 @@ TEST(ThreeBodyOperators, TracelessOrthogonalAndScaledAsPureThreeBodyOperators) {
 }
 
 TEST(ThreeBodyOperators, LegacyT2OfConjugateShellsSumsToTenE3) {
-    // physics notes 6.4: t2(f^(14-n)) + t2(f^n) = 10 e3 / (70 sqrt 2), e3 equal in both shells.
+    // Judd's t2 (Judd, Phys. Rev. 141, 4 (1966)) under conjugation: t2(f^(14-n)) + t2(f^n) = 10 e3 / (70 sqrt 2),
+    // e3 equal in both shells.
     const auto& all = test::allConfigurationTables();
     for (int n = 3; n <= 6; ++n) {
         const Eigen::MatrixXd e3 = racahE3(all[static_cast<std::size_t>(n)]);
@@ -102,36 +103,6 @@ TEST(ThreeBodyOperators, LegacyT2OfConjugateShellsSumsToTenE3) {
         const Eigen::MatrixXd sum = low[0] + high[0] - (10.0 / (70.0 * std::sqrt(2.0))) * e3;
         EXPECT_LT(sum.cwiseAbs().maxCoeff(), 1e-9) << "f" << n;
     }
-}
-
-TEST(ThreeBodyTables, MetiFileHasTheTitleAndIndexLedRecords) {
-    const auto directory = test::scratchDirectory("three_body_files");
-    MemoryLogBook log;
-    const auto& all = test::allConfigurationTables();
-    const auto paths = writeThreeBodyTables(3, allThreeBody()[3], racahE3(all[3]), directory, log);
-    ASSERT_EQ(paths.size(), 2u);
-    const std::string text = readTextFile(directory / "f3meti.val", 1 << 20);
-    EXPECT_EQ(text.rfind("Reduced matrix elements of three-particle operators for f3 shell", 0), 0u);
-    // 17 diagonal elements + 2 x 4 off-diagonal pairs (2D, 2F, 2G, 2H) of f3; 2F1-2F1 is all zero.
-    int records = 0;
-    bool sawFourS = false;
-    std::size_t start = text.find('\n') + 1;
-    while (start < text.size()) {
-        const auto end = text.find('\n', start);
-        const std::string line = text.substr(start, end - start);
-        ++records;
-        if (line.rfind("1 1    ", 0) == 0) {
-            sawFourS = true;
-            EXPECT_NE(line.find("   0   3.51324"), std::string::npos) << line;  // legacy t2(4S) = 0, t3(4S) = 3.51324
-        }
-        start = end + 1;
-    }
-    EXPECT_EQ(records, 16 + 8);
-    EXPECT_TRUE(sawFourS);
-    const auto& lines = log.lines();
-    ASSERT_EQ(lines.size(), 4u);
-    EXPECT_EQ(lines[0], "Starting building reduced matrix elements of the 3-particle operators (ordinary) for f3");
-    EXPECT_EQ(lines[3], "Finished building reduced matrix elements of the 3-particle operators (tic)  for f3");
 }
 
 }  // namespace
