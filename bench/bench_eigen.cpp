@@ -80,12 +80,11 @@ void BM_HermitianEigen_AllPairs(benchmark::State& state) {
     const int n = static_cast<int>(state.range(0));
     const Eigen::MatrixXd packed = orvane::packHermitian(randomHermitian(n));
     orvane::MemoryLogBook log;
-    orvane::ScriptedAsker asker;
     for (auto _ : state) {
         state.PauseTiming();
         Eigen::MatrixXd input = packed;
         state.ResumeTiming();
-        auto result = orvane::HermitianEigen(std::move(input), orvane::kEigenVectors, "", log, asker);
+        auto result = orvane::HermitianEigen(std::move(input), orvane::kEigenVectors, "", log);
         benchmark::DoNotOptimize(result.eigenvectors.data());
     }
 }
@@ -174,13 +173,12 @@ void BM_HermitianEigen_ValuesOnly(benchmark::State& state) {
     const int n = static_cast<int>(state.range(0));
     const Eigen::MatrixXd packed = orvane::packHermitian(randomHermitian(n));
     orvane::MemoryLogBook log;
-    orvane::ScriptedAsker asker;
     for (auto _ : state) {
         state.PauseTiming();
         Eigen::MatrixXd input = packed;
         state.ResumeTiming();
         auto result =
-            orvane::HermitianEigen(std::move(input), orvane::kEigenValuesOnly, "", log, asker);
+            orvane::HermitianEigen(std::move(input), orvane::kEigenValuesOnly, "", log);
         benchmark::DoNotOptimize(result.eigenvalues.data());
     }
 }

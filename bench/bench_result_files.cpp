@@ -16,7 +16,7 @@
 
 #include "bench/benchmark_ions.hpp"
 
-#include "core/asker.hpp"
+#include "interactive/asker.hpp"
 #include "core/atomic_file.hpp"
 #include "core/log_book.hpp"
 #include "core/settings_store.hpp"

@@ -9,7 +9,7 @@
 
 #include "cli/commands.hpp"
 #include "cli/exit_code.hpp"
-#include "core/asker.hpp"
+#include "interactive/asker.hpp"
 #include "core/atomic_file.hpp"
 #include "core/log_book.hpp"
 #include "core/number_format.hpp"

@@ -12,7 +12,7 @@
 #include "cli/commands.hpp"
 #include "cli/exit_code.hpp"
 #include "core/angular.hpp"
-#include "core/asker.hpp"
+#include "interactive/asker.hpp"
 #include "interactive/calculators.hpp"
 #include "core/log_book.hpp"
 #include "core/text.hpp"

@@ -13,7 +13,7 @@
 #include "interactive/parameter_dialogs.hpp"
 #include "cli/commands.hpp"
 #include "cli/exit_code.hpp"
-#include "core/asker.hpp"
+#include "interactive/asker.hpp"
 #include "core/log_book.hpp"
 #include "core/user_error.hpp"
 #include "engine/orthogonal_electrostatic.hpp"

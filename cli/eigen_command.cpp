@@ -6,7 +6,7 @@
 
 #include "cli/commands.hpp"
 #include "cli/exit_code.hpp"
-#include "core/asker.hpp"
+#include "interactive/asker.hpp"
 #include "interactive/interactive_eigen.hpp"
 #include "core/log_book.hpp"
 #include "core/user_error.hpp"

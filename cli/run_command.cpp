@@ -7,7 +7,7 @@
 
 #include "cli/commands.hpp"
 #include "cli/exit_code.hpp"
-#include "core/asker.hpp"
+#include "interactive/asker.hpp"
 #include "core/log_book.hpp"
 #include "core/settings_store.hpp"
 #include "core/user_error.hpp"

@@ -290,15 +290,11 @@ Eigen::MatrixXcd unpackHermitian(const Eigen::MatrixXd& packed) {
     return h;
 }
 
-void reportNoConvergence(int eigenvalueNumber, int mode, LogBook& log, Asker& asker) {
+void reportNoConvergence(int eigenvalueNumber, int mode, LogBook& log) {
     if (mode >= kEigenValuesSilent) return;
     const std::string number = std::to_string(eigenvalueNumber);
     log.appendLine("error - no convergence after 30");
     log.appendLine("iterations for eigenvalue # " + number);
-    asker.askChoice("Eigenvalue error",
-                    "Eigenvalue error - no convergence after 30 iterations for eigenvalue # " +
-                        number,
-                    Buttons::Ok);
 }
 
 std::string printFileText(const Eigen::VectorXd& eigenvalues, const Eigen::MatrixXcd& eigenvectors) {
@@ -317,8 +313,7 @@ std::string printFileText(const Eigen::VectorXd& eigenvalues, const Eigen::Matri
 }
 
 HermitianEigenResult HermitianEigen(Eigen::MatrixXd packed, int mode, std::string_view printFile,
-                                    LogBook& log, Asker& asker,
-                                    const HermitianEigenOptions& options) {
+                                    LogBook& log, const HermitianEigenOptions& options) {
     HermitianEigenResult result;
     if (mode < 0 || packed.rows() != packed.cols() || !packed.allFinite()) {
         result.status = HermitianEigenStatus::InvalidInput;
@@ -354,7 +349,7 @@ HermitianEigenResult HermitianEigen(Eigen::MatrixXd packed, int mode, std::strin
         result.status = HermitianEigenStatus::NoConvergence;
         result.failedEigenvalue = failedEigenvalueFromInfo(info, n, wantVectors);
         result.statesFound = result.failedEigenvalue - 1;
-        reportNoConvergence(result.failedEigenvalue, mode, log, asker);
+        reportNoConvergence(result.failedEigenvalue, mode, log);
         return result;
     }
     result.statesFound = n;

@@ -41,7 +41,6 @@
 
 #include <Eigen/Dense>
 
-#include "core/asker.hpp"
 #include "core/log_book.hpp"
 
 namespace orvane {
@@ -83,17 +82,16 @@ struct HermitianEigenOptions {
 // std::move so that the solver can release its memory early. printFile is the
 // print file of mode 0 (skipped when empty or "nul:" in any case).
 HermitianEigenResult HermitianEigen(Eigen::MatrixXd packed, int mode, std::string_view printFile,
-                                    LogBook& log, Asker& asker,
-                                    const HermitianEigenOptions& options = {});
+                                    LogBook& log, const HermitianEigenOptions& options = {});
 
 // The packing described above; packHermitian reads the lower triangle of h.
 Eigen::MatrixXd packHermitian(const Eigen::MatrixXcd& h);
 Eigen::MatrixXcd unpackHermitian(const Eigen::MatrixXd& packed);
 
 // The no-convergence report of modes 0 to 2 for eigenvalue number l (1-based):
-// two log lines and a message with an OK ("Continue") button. Silent in mode 3
-// and above.
-void reportNoConvergence(int eigenvalueNumber, int mode, LogBook& log, Asker& asker);
+// two log lines (silent in mode 3 and above). The message box that goes with
+// them is the caller's (interactive/interactive_eigen.hpp).
+void reportNoConvergence(int eigenvalueNumber, int mode, LogBook& log);
 
 // The print file of mode 0: an empty line, the headings line
 // "eigenvalue   eigenvector", then per state

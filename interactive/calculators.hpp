@@ -27,7 +27,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/asker.hpp"
+#include "interactive/asker.hpp"
 #include "core/log_book.hpp"
 
 namespace orvane {

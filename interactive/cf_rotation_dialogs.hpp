@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "core/asker.hpp"
+#include "interactive/asker.hpp"
 #include "core/log_book.hpp"
 #include "params/cf_records.hpp"
 #include "params/cf_rotation.hpp"

@@ -170,7 +170,12 @@ std::vector<std::string> eigenReportLines(const HermitianEigenResult& result, bo
 void solveMatrixFile(const std::filesystem::path& path, LogBook& log, Asker& asker) {
     MatrixFile file = readMatrixFile(path);
     const HermitianEigenResult result =
-        HermitianEigen(packHermitian(file.matrix), kEigenVectors, "", log, asker);
+        HermitianEigen(packHermitian(file.matrix), kEigenVectors, "", log);
+    if (result.status == HermitianEigenStatus::NoConvergence)
+        asker.askChoice("Eigenvalue error",
+                        "Eigenvalue error - no convergence after 30 iterations for eigenvalue # " +
+                            std::to_string(result.failedEigenvalue),
+                        Buttons::Ok);
     if (result.status != HermitianEigenStatus::Ok)
         throw UserError(kEigenSolverErrorTitle,
                         "The eigenvalues of " + path.string() + " could not be computed");

@@ -14,7 +14,7 @@
 
 #include <Eigen/Dense>
 
-#include "core/asker.hpp"
+#include "interactive/asker.hpp"
 #include "core/hermitian_eigen.hpp"
 #include "core/log_book.hpp"
 #include "core/user_error.hpp"

@@ -9,7 +9,7 @@
 #include <filesystem>
 #include <optional>
 
-#include "core/asker.hpp"
+#include "interactive/asker.hpp"
 #include "core/log_book.hpp"
 
 namespace orvane {

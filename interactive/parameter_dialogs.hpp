@@ -3,7 +3,7 @@
 // approximation, the conversion of every value to another energy unit, the
 // coordination-factor calculator, the adoption of orthogonalised electrostatic
 // parameters and the comparison of calculated with observed energies.
-#include "core/asker.hpp"
+#include "interactive/asker.hpp"
 #include "core/log_book.hpp"
 #include "engine/configuration_tables.hpp"
 #include "engine/parameter_set.hpp"

@@ -12,7 +12,7 @@
 #include <optional>
 #include <string>
 
-#include "core/asker.hpp"
+#include "interactive/asker.hpp"
 #include "core/log_book.hpp"
 #include "tables/published_comparison.hpp"
 

@@ -11,7 +11,7 @@
 //     (a file names its folder); cancelled -> the engine's error.
 #include <filesystem>
 
-#include "core/asker.hpp"
+#include "interactive/asker.hpp"
 #include "core/log_book.hpp"
 #include "core/settings_store.hpp"
 #include "report/run_driver.hpp"

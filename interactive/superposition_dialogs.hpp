@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "core/asker.hpp"
+#include "interactive/asker.hpp"
 #include "params/superposition.hpp"
 
 namespace orvane::params {

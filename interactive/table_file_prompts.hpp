@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <vector>
 
-#include "core/asker.hpp"
+#include "interactive/asker.hpp"
 #include "core/log_book.hpp"
 #include "tables/fractional_parentage.hpp"
 #include "tables/state_labels.hpp"

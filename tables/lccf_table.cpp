@@ -7,7 +7,6 @@
 #include <fmt/format.h>
 
 #include "core/angular.hpp"
-#include "core/asker.hpp"
 #include "core/atomic_file.hpp"
 #include "core/user_error.hpp"
 #include "tables/fractional_parentage.hpp"

@@ -26,8 +26,7 @@ using Complex = std::complex<double>;
 
 HermitianEigenResult solve(const Eigen::MatrixXcd& h, int mode, const HermitianEigenOptions& options = {}) {
     MemoryLogBook log;
-    ScriptedAsker asker;
-    return HermitianEigen(packHermitian(h), mode, "nul:", log, asker, options);
+    return HermitianEigen(packHermitian(h), mode, "nul:", log, options);
 }
 
 // 1 - |<a_j|b_j>|, worst column: 0 when the columns agree up to a phase.
@@ -136,11 +135,10 @@ TEST(HermitianEigen, SigmaYEigenvectorsFixTheConjugation) {
     EXPECT_EQ(unpackHermitian(packed)(1, 0), Complex(0, 1));
     for (int threshold : {kHermitianEigenDiskThreshold, 1}) {
         MemoryLogBook log;
-        ScriptedAsker asker;
         HermitianEigenOptions options;
         options.diskThreshold = threshold;
         options.scratchDirectory = test::scratchDirectory("heigen_sigma_y");
-        const HermitianEigenResult r = HermitianEigen(packed, kEigenVectors, "", log, asker, options);
+        const HermitianEigenResult r = HermitianEigen(packed, kEigenVectors, "", log, options);
         ASSERT_EQ(r.status, HermitianEigenStatus::Ok);
         EXPECT_EQ(r.usedScratchFile, threshold == 1);
         EXPECT_NEAR(r.eigenvalues(0), -1.0, 1e-15);
@@ -203,9 +201,8 @@ TEST(EigenSolvers, NonFiniteOrNonSquareInputIsAStatus) {
     Eigen::MatrixXcd inf = Eigen::MatrixXcd::Identity(3, 3);
     inf(2, 1) = Complex(0.0, std::numeric_limits<double>::infinity());
     MemoryLogBook log;
-    ScriptedAsker asker;
-    EXPECT_EQ(HermitianEigen(nan, 1, "", log, asker).status, HermitianEigenStatus::InvalidInput);
-    EXPECT_EQ(HermitianEigen(Eigen::MatrixXd::Zero(2, 3), 1, "", log, asker).status, HermitianEigenStatus::InvalidInput);
+    EXPECT_EQ(HermitianEigen(nan, 1, "", log).status, HermitianEigenStatus::InvalidInput);
+    EXPECT_EQ(HermitianEigen(Eigen::MatrixXd::Zero(2, 3), 1, "", log).status, HermitianEigenStatus::InvalidInput);
     EXPECT_EQ(symmetricEigenpairs(nan).status, EigenStatus::InvalidInput);
     EXPECT_EQ(symmetricEigenpairsDivideAndConquer(nan).status, EigenStatus::InvalidInput);
     EXPECT_EQ(hermitianEigenpairs(inf).status, EigenStatus::InvalidInput);

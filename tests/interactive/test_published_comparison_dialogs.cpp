@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "core/asker.hpp"
+#include "interactive/asker.hpp"
 #include "core/atomic_file.hpp"
 #include "core/log_book.hpp"
 #include "core/user_error.hpp"

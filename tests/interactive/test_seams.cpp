@@ -5,7 +5,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "core/asker.hpp"
+#include "interactive/asker.hpp"
 #include "core/atomic_file.hpp"
 #include "core/log_book.hpp"
 #include "core/settings_store.hpp"

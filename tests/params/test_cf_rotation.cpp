@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "core/angular.hpp"
-#include "core/asker.hpp"
+#include "interactive/asker.hpp"
 #include "core/log_book.hpp"
 #include "core/number_format.hpp"
 #include "core/user_error.hpp"

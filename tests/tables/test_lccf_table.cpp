@@ -8,7 +8,7 @@
 
 #include <cmath>
 
-#include "core/asker.hpp"
+#include "interactive/asker.hpp"
 #include "core/atomic_file.hpp"
 #include "core/log_book.hpp"
 #include "core/user_error.hpp"

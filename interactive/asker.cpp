@@ -1,4 +1,4 @@
-#include "core/asker.hpp"
+#include "interactive/asker.hpp"
 
 #include <istream>
 #include <ostream>
