@@ -384,6 +384,28 @@ TEST(RunDriver, ReadingErrorsAndBadRequestsAreErrorsInMain) {
     EXPECT_THROW(runEngine(0, test::writeSet(dir, "Pr.par", test::praseodymiumLaF3()), request, run.environment),
                  UserError);
     EXPECT_EQ(filesIn(dir), (std::vector<std::string>{"Pr.par", "bad.par"}));
+    // "/opimkpk" is refused at the option line of the file, or as a run option.
+    ParameterSet alternative = test::praseodymiumLaF3();
+    alternative.switches.opimkpk = true;
+    const auto alternativeFile = test::writeSet(dir, "Mk.par", alternative);
+    const std::string refusal = "/opimkpk (alternative magnetic operator set) is not supported";
+    try {
+        runEngine(0, alternativeFile, {}, run.environment);
+        FAIL() << "/opimkpk must be refused";
+    } catch (const UserError& error) {
+        std::ifstream in(alternativeFile);
+        int line = 0;
+        for (std::string text; std::getline(in, text) && text.find("/opimkpk") == std::string::npos;) ++line;
+        EXPECT_EQ(error.describe(), alternativeFile.string() + ":" + std::to_string(line + 1) + ": " + refusal);
+    }
+    RunRequest alternativeRequest;
+    alternativeRequest.optionText = "/opimkpk";
+    try {
+        runEngine(0, dir / "Pr.par", alternativeRequest, run.environment);
+        FAIL() << "/opimkpk given as a run option must be refused";
+    } catch (const UserError& error) {
+        EXPECT_EQ(error.describe(), refusal);
+    }
     // No file and no answer to the file question.
     EXPECT_THROW(runEngine(0, "", {}, run.environment), UserError);
     ASSERT_FALSE(run.asker.questions().empty());
