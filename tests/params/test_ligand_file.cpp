@@ -111,16 +111,16 @@ TEST(LigandFile, ExampleFilesRead) {
     }
 }
 
-TEST(SmData, RoundTripIsExactAndMalformedFilesAreRefused) {
-    SmData data;
+TEST(SuperpositionData, RoundTripIsExactAndMalformedFilesAreRefused) {
+    SuperpositionData data;
     data.parameters.r0 = 2.4173;
     data.parameters.bk = {431.5, -212.25, 1.0 / 3.0};
     data.parameters.tk = {5.0, 8.0, 11.0};
     data.parameters.stevensType = true;
     data.ligands = {{2.3, 54.7356103172, 45.0}, {2.41, 0.1, -179.9}};
     const auto dir = orvane::test::scratchDirectory("smdata");
-    writeSmData(dir / "smdata.txt", data);
-    const SmData back = readSmData(dir / "smdata.txt");
+    writeSuperpositionData(dir / "smdata.txt", data);
+    const SuperpositionData back = readSuperpositionData(dir / "smdata.txt");
     EXPECT_EQ(back.parameters.r0, data.parameters.r0);
     EXPECT_EQ(back.parameters.bk, data.parameters.bk);
     EXPECT_EQ(back.parameters.tk, data.parameters.tk);
@@ -128,9 +128,9 @@ TEST(SmData, RoundTripIsExactAndMalformedFilesAreRefused) {
     ASSERT_EQ(back.ligands.size(), 2u);
     EXPECT_EQ(back.ligands[0].thetaDeg, 54.7356103172);
     EXPECT_EQ(back.ligands[1].phiDeg, -179.9);
-    EXPECT_EQ(formatSmData(back), formatSmData(data));
+    EXPECT_EQ(formatSuperpositionData(back), formatSuperpositionData(data));
 
-    std::string text = formatSmData(data);
+    std::string text = formatSuperpositionData(data);
     struct Case { std::string text; int line; };
     const Case cases[] = {
         {"Something else\n", 1},
@@ -141,7 +141,7 @@ TEST(SmData, RoundTripIsExactAndMalformedFilesAreRefused) {
     };
     for (const Case& c : cases) {
         try {
-            parseSmData(c.text, "smdata.txt");
+            parseSuperpositionData(c.text, "smdata.txt");
             FAIL() << c.text;
         } catch (const UserError& e) {
             EXPECT_EQ(e.title(), "Error in reading superposition model data");
@@ -149,8 +149,8 @@ TEST(SmData, RoundTripIsExactAndMalformedFilesAreRefused) {
         }
     }
     // The log is appended line by line.
-    appendSmLog(dir / "smdata.log", {"first"});
-    appendSmLog(dir / "smdata.log", {"second"});
+    appendSuperpositionLog(dir / "smdata.log", {"first"});
+    appendSuperpositionLog(dir / "smdata.log", {"second"});
     EXPECT_EQ(readTextFile(dir / "smdata.log"), "first\nsecond\n");
 }
 
@@ -163,7 +163,7 @@ TEST(SmData, RoundTripIsExactAndMalformedFilesAreRefused) {
 namespace orvane::params {
 namespace {
 
-TEST(SmDialogs, LatticePromptDefaultRetryAndCancel) {
+TEST(SuperpositionDialogs, LatticePromptDefaultRetryAndCancel) {
     // Empty answer takes the default "90 90 90"; a bad line is answered and asked again.
     ScriptedAsker asker({"90 90", "0 0 0", ""});
     const auto ligands = convertLatticeTableAsking({{0.5, 0.0, 0.0}, {0.0, 0.0, 0.25}}, 4.0, 4.0, 8.0, asker);
@@ -180,7 +180,7 @@ TEST(SmDialogs, LatticePromptDefaultRetryAndCancel) {
     EXPECT_FALSE(convertLatticeTableAsking({{0.5, 0, 0}}, 1, 1, 1, cancel));
 }
 
-TEST(SmDialogs, LigandRotationTellsTheInverseRule) {
+TEST(SuperpositionDialogs, LigandRotationTellsTheInverseRule) {
     ScriptedAsker asker({"0, 90; 0"});
     const auto moved = rotateLigandsAsking({{2.0, 0.0, 0.0}}, asker);
     ASSERT_TRUE(moved);

@@ -17,8 +17,8 @@ namespace {
 
 const std::string kR0Message = "Error in setting up ligand positions: Reference ligand distance = 0!";
 
-SmParameters zeroR0Parameters() {
-    SmParameters p;
+SuperpositionParameters zeroR0Parameters() {
+    SuperpositionParameters p;
     p.r0 = 0.0;
     p.bk = {400.0, 300.0, 200.0};
     p.tk = {7.0, 10.0, 12.0};
@@ -65,7 +65,7 @@ TEST(ReferenceDistanceDialog, EachAnswerOfAbortRetryIgnore) {
 }
 
 TEST(ReferenceDistanceDialog, NonZeroR0IsNotQuestioned) {
-    SmParameters p = zeroR0Parameters();
+    SuperpositionParameters p = zeroR0Parameters();
     p.r0 = 2.3;
     ScriptedAsker asker;
     const auto result = confirmReferenceDistance(p, asker);
@@ -77,7 +77,7 @@ TEST(ReferenceDistanceDialog, NonZeroR0IsNotQuestioned) {
 TEST(ReferenceDistanceDialog, OutcomesFeedTheLigandSums) {
     // Without the dialog, R0 = 0 is refused with the same message.
     try {
-        smBkq(kAxialLigand, zeroR0Parameters());
+        superpositionBkq(kAxialLigand, zeroR0Parameters());
         FAIL() << "R0 = 0 accepted without the dialog";
     } catch (const UserError& e) {
         EXPECT_STREQ(e.what(), "Reference ligand distance = 0!");
@@ -88,7 +88,7 @@ TEST(ReferenceDistanceDialog, OutcomesFeedTheLigandSums) {
         ScriptedAsker asker({}, {Choice::Ignore});
         const auto p = confirmReferenceDistance(zeroR0Parameters(), asker);
         ASSERT_TRUE(p);
-        const BkqArray b = smBkq(kAxialLigand, *p);
+        const BkqArray b = superpositionBkq(kAxialLigand, *p);
         for (int k = 2; k <= 6; k += 2)
             for (int q = 0; q <= k; ++q) EXPECT_EQ(std::abs(b[k][q]), 0.0) << k << q;
     }
@@ -97,7 +97,7 @@ TEST(ReferenceDistanceDialog, OutcomesFeedTheLigandSums) {
         ScriptedAsker asker({"2.5"}, {Choice::Retry});
         const auto p = confirmReferenceDistance(zeroR0Parameters(), asker);
         ASSERT_TRUE(p);
-        const BkqArray b = smBkq(kAxialLigand, *p);
+        const BkqArray b = superpositionBkq(kAxialLigand, *p);
         EXPECT_NEAR(b[2][0].real(), 400.0, 1e-9);
         EXPECT_NEAR(b[4][0].real(), 300.0, 1e-9);
         EXPECT_NEAR(b[6][0].real(), 200.0, 1e-9);
