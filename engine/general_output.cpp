@@ -25,7 +25,7 @@ std::string bkqText(const CrystalFieldRow& row) {
 
 }  // namespace
 
-// Landé formula, physics notes 10.1.
+// Landé formula (docs/conventions.md, Magnetic moment).
 double landeG(int twiceS, int L, int twiceJ) {
     if (twiceJ == 0) return 0.0;
     const double S = twiceS / 2.0, J = twiceJ / 2.0;

@@ -16,13 +16,13 @@
 
 namespace orvane {
 
-// Free-electron spin g factor used for gJ (physics notes 10.1).
+// Free-electron spin g factor used for gJ (CODATA 2018).
 inline constexpr double kElectronSpinG = 2.0023193043622;
 
 // Energies closer than this (unit of the set) count as one degenerate level.
 inline constexpr double kDegeneracyTolerance = 1e-4;
 
-// Landé g of |S L J> with g_s = kElectronSpinG (physics notes 10.1):
+// Landé g of |S L J> with g_s = kElectronSpinG (docs/conventions.md):
 // g_J = 1 + (g_s - 1)(J(J+1) + S(S+1) - L(L+1)) / (2J(J+1)); 0 for J = 0.
 double landeG(int twiceS, int L, int twiceJ);
 
