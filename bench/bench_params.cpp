@@ -41,11 +41,11 @@ std::vector<Ligand> twelveLigands() {
 
 void BM_SuperpositionTwelveLigands(benchmark::State& state) {
     const auto ligands = twelveLigands();
-    SmParameters p;
+    SuperpositionParameters p;
     p.r0 = 2.45;
     p.bk = {400.0, 300.0, 100.0};
     p.tk = {5.0, 8.0, 11.0};
-    for (auto _ : state) benchmark::DoNotOptimize(smDerivatives(ligands, p));
+    for (auto _ : state) benchmark::DoNotOptimize(superpositionDerivatives(ligands, p));
 }
 BENCHMARK(BM_SuperpositionTwelveLigands);
 

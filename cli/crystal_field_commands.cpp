@@ -25,7 +25,7 @@
 #include "params/energy_units.hpp"
 #include "params/ligand_file.hpp"
 #include "interactive/superposition_dialogs.hpp"
-#include "params/sm_estimation.hpp"
+#include "params/superposition_estimation.hpp"
 #include "params/superposition.hpp"
 #include "params/value_cell.hpp"
 #include "tables/table_directory.hpp"
@@ -348,7 +348,7 @@ void addCubic(CLI::App& app) {
 
 // ---- orvane sm ----
 
-struct SmOptions {
+struct SuperpositionOptions {
     std::string ligands;
     std::string file;
     std::string base;
@@ -359,7 +359,7 @@ struct SmOptions {
     bool stevensType = false;
 };
 
-params::LigandFile readLigandsWithR0(const SmOptions& o, params::SmParameters& p) {
+params::LigandFile readLigandsWithR0(const SuperpositionOptions& o, params::SuperpositionParameters& p) {
     params::LigandFile ligands = params::readLigandFile(o.ligands);
     p.r0 = o.r0 ? *o.r0 : ligands.r0.value_or(0.0);
     p.stevensType = o.stevensType;
@@ -367,8 +367,8 @@ params::LigandFile readLigandsWithR0(const SmOptions& o, params::SmParameters& p
     return ligands;
 }
 
-void runSm(const SmOptions& o) {
-    params::SmParameters p;
+void runSm(const SuperpositionOptions& o) {
+    params::SuperpositionParameters p;
     const params::LigandFile ligands = readLigandsWithR0(o, p);
     for (int i = 0; i < 3; ++i) p.bk[i] = o.bk[i];
     if (p.r0 == 0.0) {
@@ -378,7 +378,7 @@ void runSm(const SmOptions& o) {
         if (!confirmed) throw UserError("Error in setting up ligand positions", "Reference ligand distance = 0!");
         p = *confirmed;
     }
-    const CfTable table = params::smTable(params::smBkq(ligands.ligands, p));
+    const CfTable table = params::superpositionTable(params::superpositionBkq(ligands.ligands, p));
     std::cout << "Superposition model: " << ligands.ligands.size() << " ligands, R0 = " << p.r0 << "\n";
     printRows(table, p.stevensType ? "Bkq (Stevens-type coordination factors):" : "Bkq (Wybourne):");
     if (!o.output.empty()) {
@@ -389,8 +389,8 @@ void runSm(const SmOptions& o) {
     }
 }
 
-void runSmEstimate(const SmOptions& o) {
-    params::SmParameters p;
+void runSuperpositionEstimate(const SuperpositionOptions& o) {
+    params::SuperpositionParameters p;
     const params::LigandFile ligands = readLigandsWithR0(o, p);
     const ParameterSet set = readParameterFile(o.file);
     CfTable table = tableOf(set);
@@ -401,7 +401,7 @@ void runSmEstimate(const SmOptions& o) {
 }
 
 void addSm(CLI::App& app) {
-    auto o = std::make_shared<SmOptions>();
+    auto o = std::make_shared<SuperpositionOptions>();
     auto* sm = app.add_subcommand("sm", "Superposition model: Bkq from ligand positions");
     sm->add_option("LIGANDS", o->ligands, "Ligand file (R theta phi per line)");
     sm->add_option("--r0", o->r0, "Reference distance R0 (default: the file's R0 line)");
@@ -412,14 +412,14 @@ void addSm(CLI::App& app) {
     sm->add_option("-o,--output", o->output, "Write the Bkq as a parameter file");
     sm->require_subcommand(0, 1);
 
-    auto e = std::make_shared<SmOptions>();
+    auto e = std::make_shared<SuperpositionOptions>();
     auto* estimate = sm->add_subcommand("estimate", "Estimate b2 b4 b6 from the Bkq of a parameter file");
     estimate->add_option("LIGANDS", e->ligands, "Ligand file")->required()->check(CLI::ExistingFile);
     estimate->add_option("FILE", e->file, "Parameter file (.par)")->required()->check(CLI::ExistingFile);
     estimate->add_option("--r0", e->r0, "Reference distance R0 (default: the ligand file's R0 line)");
     estimate->add_option("--tk", e->tk, "Exponents t2 t4 t6")->expected(3)->required();
     estimate->add_flag("--stevens-type", e->stevensType, "Coordination factors without the Wybourne division");
-    estimate->callback([e] { guarded([&] { runSmEstimate(*e); }); });
+    estimate->callback([e] { guarded([&] { runSuperpositionEstimate(*e); }); });
 
     sm->callback([o, sm, estimate] {
         if (sm->got_subcommand(estimate)) return;

@@ -2,12 +2,16 @@
 // parses its arguments, calls one library operation, prints what it returns and
 // sets the exit code (0 success, 1 failure of the operation, 2 usage error).
 #include <iostream>
+#include <string>
 
 #include "cli/commands.hpp"
 #include "cli/exit_code.hpp"
+#include "core/version.hpp"
 
 int main(int argc, char** argv) {
     CLI::App app{"Orvane: spectroscopy of open f-shell ions in crystals"};
+    app.set_version_flag("--version", std::string("orvane ") + orvane::orvaneVersion(),
+                         "Print the version and exit");
     app.require_subcommand(1);
     orvane::cli::addCalcCommand(app);
     orvane::cli::addEigenCommand(app);

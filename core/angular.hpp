@@ -40,10 +40,8 @@ double TriangleCoefficient(double a, double b, double c);
 
 double ThreeJ(double j1, double j2, double j3, double m1, double m2, double m3);
 double SixJ(double j1, double j2, double j3, double j4, double j5, double j6);
-// Arguments row by row, computed as a sum over x of three 6j symbols.
-// WARNING: returns 0 when the largest admissible x is 0 (for instance j4 = j8 = 0),
-// even where the true symbol is not 0 ({1 1 0; 0 1 1; 1 0 1} = 1/9). This is the
-// package's historical behaviour and is kept on purpose; NineJ2 does the same.
+// Arguments row by row, computed as a sum over x of three 6j symbols
+// (for instance {1 1 0; 0 1 1; 1 0 1} = 1/9 and {0 0 0; 0 0 0; 0 0 0} = 1).
 double NineJ(double j1, double j2, double j3, double j4, double j5, double j6, double j7,
              double j8, double j9);
 // <l || C(k) || l'> = (-1)^l sqrt((2l+1)(2l'+1)) (l k l'; 0 0 0)
@@ -55,13 +53,7 @@ Eigen::MatrixXd RotationMatrixD(double J, double beta);
 // Twice-J integer forms (tj = 2j, tm = 2m).
 double ThreeJ2(int tj1, int tj2, int tj3, int tm1, int tm2, int tm3);
 double SixJ2(int tj1, int tj2, int tj3, int tj4, int tj5, int tj6);
-// WARNING: like NineJ, NineJ2 returns 0 whenever the largest admissible x of the
-// sum over three 6j symbols is 0, even where the true 9j symbol is not 0.
-// Table generators must not rely on NineJ2 for such symbols: use NineJ2Exact.
 double NineJ2(int tj1, int tj2, int tj3, int tj4, int tj5, int tj6, int tj7, int tj8, int tj9);
-// The true 9j symbol (the same sum without the x_max = 0 rule).
-double NineJ2Exact(int tj1, int tj2, int tj3, int tj4, int tj5, int tj6, int tj7, int tj8,
-                   int tj9);
 // Delta(abc) of doubled arguments; 0 for a broken triangle or a half-integral sum.
 double TriangleCoefficient2(int ta, int tb, int tc);
 // <l || C(k) || l'> with doubled arguments (tl = 2l).

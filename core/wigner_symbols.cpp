@@ -148,17 +148,13 @@ double sixJSum(int tj1, int tj2, int tj3, int tj4, int tj5, int tj6) {
 
 // Edmonds 1957, section 6.4: the 9j symbol as a sum over x of three 6j symbols,
 //   sum_x (-1)^(2x) (2x+1) {j1 j4 j7; j8 j9 x} {j2 j5 j8; j4 x j6} {j3 j6 j9; x j1 j2}.
-// keepZeroRule: when the largest admissible x is 0 the result is 0 (the
-// historical behaviour of this package's 9j routine), otherwise the true sum.
-double nineJSum(int tj1, int tj2, int tj3, int tj4, int tj5, int tj6, int tj7, int tj8, int tj9,
-                bool keepZeroRule) {
+double nineJSum(int tj1, int tj2, int tj3, int tj4, int tj5, int tj6, int tj7, int tj8, int tj9) {
     if (!isTriad(tj1, tj2, tj3) || !isTriad(tj4, tj5, tj6) || !isTriad(tj7, tj8, tj9) ||
         !isTriad(tj1, tj4, tj7) || !isTriad(tj2, tj5, tj8) || !isTriad(tj3, tj6, tj9))
         return 0.0;
     const int txMax = std::min({tj4 + tj8, tj1 + tj9, tj2 + tj6});
     const int txMin = std::max({std::abs(tj4 - tj8), std::abs(tj1 - tj9), std::abs(tj2 - tj6)});
     if (txMin > txMax) return 0.0;
-    if (keepZeroRule && txMax == 0) return 0.0;
     const auto& table = extendedFactorialTable();
     long double sum = 0.0L;
     for (int tx = txMin; tx <= txMax; tx += 2) {
@@ -208,18 +204,7 @@ double SixJ2(int tj1, int tj2, int tj3, int tj4, int tj5, int tj6) {
 
 double NineJ2(int tj1, int tj2, int tj3, int tj4, int tj5, int tj6, int tj7, int tj8, int tj9) {
     try {
-        return nineJSum(tj1, tj2, tj3, tj4, tj5, tj6, tj7, tj8, tj9, true);
-    } catch (const FactorialRangeError& error) {
-        throw FactorialRangeError(
-            error.argument(),
-            symbolText("9j symbol", {tj1, tj2, tj3, tj4, tj5, tj6, tj7, tj8, tj9}, 3));
-    }
-}
-
-double NineJ2Exact(int tj1, int tj2, int tj3, int tj4, int tj5, int tj6, int tj7, int tj8,
-                   int tj9) {
-    try {
-        return nineJSum(tj1, tj2, tj3, tj4, tj5, tj6, tj7, tj8, tj9, false);
+        return nineJSum(tj1, tj2, tj3, tj4, tj5, tj6, tj7, tj8, tj9);
     } catch (const FactorialRangeError& error) {
         throw FactorialRangeError(
             error.argument(),

@@ -39,7 +39,7 @@ std::vector<MultipletElements> multipletCrystalFieldElements(const TransformedTe
     for (int a = 0; a < static_cast<int>(tensors.levelTwiceJ.size()); ++a) {
         MultipletElements entry{a, tensors.levelTwiceJ[a], {}, correlationElements(tensors, a)};
         for (int i = 0; i < 3; ++i)
-            // <a J||C(k)||a J> = <f||C(k)||f> <a J||U(k)||a J> (physics notes 1.3 and 4.1)
+            // <a J||C(k)||a J> = <f||C(k)||f> <a J||U(k)||a J> (Edmonds 1957, section 7.1; docs/conventions.md)
             entry.reducedCk[i] = routeSign * ReducedCk(3, kEvenRanks[i], 3) * tensors.unitTensor[i](a, a);
         elements.push_back(entry);
     }

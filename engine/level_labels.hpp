@@ -13,7 +13,7 @@
 // (sum of |c|^2 over MJ): "3H4", "4I9/2"; a term label ending in a digit is
 // joined to J by "-" ("2D1-5/2"). The level is flagged mixed when another
 // multiplet carries more than 10 % of it.
-// Crystal quantum number mu (physics notes 9.2): the block holds the MJ with
+// Crystal quantum number mu (docs/conventions.md, Crystal field): the block holds the MJ with
 // 2 MJ = r (mod 2p); mu is the MJ of that class with |mu| <= p/2 (+p/2 when
 // both ends qualify).
 #include <complex>

@@ -37,8 +37,8 @@ double stateSpaceTrace(const std::vector<EngineTerm>& terms, const Eigen::Matrix
     return scalarProductTrace(spinOrbitOfTerms(terms), a, b);
 }
 
-// Racah 1949 e_1, e_2, e_3 from f(2), f(4), f(6) (physics notes 5.1); L(L+1);
-// G(G2) = (stored 12 G(G2))/12 and G(R7) = (stored 5 G(R7))/5 (physics notes 2.2).
+// Racah 1949 e_1, e_2, e_3 from f(2), f(4), f(6); L(L+1); G(G2) = (stored
+// 12 G(G2))/12 and G(R7) = (stored 5 G(R7))/5 (Racah 1949; docs/conventions.md).
 ElectrostaticOperators electrostaticOperators(const EngineTables& tables) {
     const auto e = racahElectrostaticOperators(tables.electrons, tables.coulomb[0], tables.coulomb[1],
                                                tables.coulomb[2]);
@@ -97,7 +97,7 @@ ElectrostaticParameters orthogonalParameters(const OrthogonalElectrostatic& set,
     return result;
 }
 
-// Racah E^k from F^k: F_k = F^k / D_k, then physics notes 5.1
+// Racah E^k from F^k: F_k = F^k / D_k, then Racah 1949
 // (E^1 = (70 F_2 + 231 F_4 + 2002 F_6)/9, E^2 = (F_2 - 3 F_4 + 7 F_6)/9, E^3 = (5 F_2 + 6 F_4 - 91 F_6)/3).
 ElectrostaticParameters electrostaticParametersOf(const ParameterSet& set) {
     const auto& rows = set.mainFreeIon;

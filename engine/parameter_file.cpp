@@ -361,7 +361,11 @@ std::string_view correlationName(CorrelationKind kind) {
     return "SCCF";
 }
 
-ParameterSet parseParameterText(std::string_view text, const std::string& fileNameForMessages) {
+namespace {
+
+// The parsed set and the 1-based line of its option line (0 when absent).
+ParameterSet parseWithOptionLine(std::string_view text, const std::string& fileNameForMessages,
+                                 int& optionLineNumber) {
     if (text.size() > kMaxParameterFileBytes)
         throw UserError(std::string(kReadTitle),
                         "The parameter file is too large (" + std::to_string(text.size()) +
@@ -377,14 +381,30 @@ ParameterSet parseParameterText(std::string_view text, const std::string& fileNa
     readCrystalField(in, set);
     set.hasOptionLine = !in.atEnd();
     set.optionLine = set.hasOptionLine ? std::string(in.take("")) : std::string();
+    optionLineNumber = set.hasOptionLine ? in.currentLineNumber() : 0;
     set.switches = readRunSwitches(set.optionLine);
     if (set.switches.correlationSections) readCorrelationSections(in, set);
     return set;
 }
 
+}  // namespace
+
+ParameterSet parseParameterText(std::string_view text, const std::string& fileNameForMessages) {
+    int optionLineNumber = 0;
+    return parseWithOptionLine(text, fileNameForMessages, optionLineNumber);
+}
+
 ParameterSet readParameterFile(const std::filesystem::path& path) {
     const std::string text = readTextFile(path, kMaxParameterFileBytes);
     return parseParameterText(text, path.string());
+}
+
+ParameterSet readParameterFileForRun(const std::filesystem::path& path) {
+    const std::string text = readTextFile(path, kMaxParameterFileBytes);
+    int optionLineNumber = 0;
+    ParameterSet set = parseWithOptionLine(text, path.string(), optionLineNumber);
+    refuseUnsupportedSwitches(set.switches, FileLocation{path.string(), optionLineNumber});
+    return set;
 }
 
 std::string parameterFileText(const ParameterSet& set) {

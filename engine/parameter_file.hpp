@@ -42,6 +42,11 @@ ParameterSet parseParameterText(std::string_view text, const std::string& fileNa
 // kMaxParameterFileBytes with a UserError naming it).
 ParameterSet readParameterFile(const std::filesystem::path& path);
 
+// readParameterFile for a run: a switch of the option line that no run
+// applies (refuseUnsupportedSwitches) is refused with the file and the line
+// of the option line.
+ParameterSet readParameterFileForRun(const std::filesystem::path& path);
+
 // The text the writer produces for a set. Throws UserError ("Error in saving
 // parameters") when the set holds something the file cannot carry: a title
 // with "{", a note with "}", a line break in any text, an other free-ion

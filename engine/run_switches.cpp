@@ -52,6 +52,11 @@ RunSwitches readRunSwitches(std::string_view line) {
     return s;
 }
 
+void refuseUnsupportedSwitches(const RunSwitches& s, const std::optional<FileLocation>& where) {
+    if (s.opimkpk)
+        throw UserError("Error in Main", "/opimkpk (alternative magnetic operator set) is not supported", where);
+}
+
 std::string runSwitchesText(const RunSwitches& s) {
     std::string line;
     if (s.opimkpk) line += "/opimkpk";

@@ -1,8 +1,11 @@
 #pragma once
 // The option line of a parameter file: run switches found by substring
 // search, so their order is free and other text between them is ignored.
+#include <optional>
 #include <string>
 #include <string_view>
+
+#include "core/user_error.hpp"
 
 #include "engine/parameter_set.hpp"
 
@@ -20,6 +23,12 @@ RunSwitches readRunSwitches(std::string_view optionLine);
 // Switches at their default are left out; "/printhm" is never written (the
 // options dialog supplies it for one run).
 std::string runSwitchesText(const RunSwitches& switches);
+
+// Refuses, with a UserError at `where` (the option line of the parameter file
+// when known), a switch that is read and written but that no run applies:
+// "/opimkpk", an alternative operator set for the M^k and P^k interactions,
+// has no defined operators in this package.
+void refuseUnsupportedSwitches(const RunSwitches& switches, const std::optional<FileLocation>& where);
 
 // Unit label as used in messages: "cm^-1", "meV", "K", "mRy".
 std::string_view energyUnitName(EnergyUnit unit);

@@ -1,6 +1,7 @@
 #pragma once
 // The "/t2correction" switch: the parameter T2 of a file multiplies Judd's
-// legacy operator t2 = t2' + (n - 2) e3 / (70 sqrt 2) (physics notes 6.4).
+// legacy operator t2 = t2' + (n - 2) e3 / (70 sqrt 2) (Judd 1966; Hansen, Judd &
+// Crosswhite 1996; docs/conventions.md).
 // With the switch its e3 part is moved into the Slater parameters, so that T2
 // multiplies the orthogonal t2' alone and F^2, F^4, F^6 carry
 // Delta E^3 = (n - 2) T2 / (70 sqrt 2) through Racah's relations. The total
@@ -19,7 +20,7 @@ struct T2SlaterCorrection {
     std::array<double, 3> deltaF{};   // added to F^2, F^4, F^6
 };
 
-// Physics notes 6.4 and Racah 1949 (F_2 = (E1 + 143 E2 + 11 E3)/42, F_4 = (E1 - 130 E2 + 4 E3)/77,
+// Racah 1949 (F_2 = (E1 + 143 E2 + 11 E3)/42, F_4 = (E1 - 130 E2 + 4 E3)/77,
 // F_6 = (E1 + 35 E2 - 7 E3)/462, F^k = D_k F_k): Delta E^3 = (n - 2) T2 / (70 sqrt 2),
 // Delta F^2 = 225 (11/42) Delta E^3, Delta F^4 = 1089 (4/77) Delta E^3, Delta F^6 = (184041/25) (-7/462) Delta E^3.
 T2SlaterCorrection t2SlaterCorrection(int electrons, double t2);

@@ -52,7 +52,7 @@ std::optional<std::vector<Ligand>> rotateLigandsAsking(const std::vector<Ligand>
     }
 }
 
-std::optional<SmParameters> confirmReferenceDistance(SmParameters parameters, Asker& asker) {
+std::optional<SuperpositionParameters> confirmReferenceDistance(SuperpositionParameters parameters, Asker& asker) {
     const std::string title = "Error in setting up ligand positions";
     const Question question{"Give the reference ligand distance R0:", "Reference distance R0", ""};
     while (parameters.r0 == 0.0) {

@@ -32,6 +32,6 @@ std::optional<std::vector<Ligand>> rotateLigandsAsking(const std::vector<Ligand>
 //   Ignore goes on with R0 = 0, with which every ligand contributes
 //   b_k (0/R)^t_k K_kq = 0 for t_k > 0.
 // A non-zero R0 is returned unchanged without a question.
-std::optional<SmParameters> confirmReferenceDistance(SmParameters parameters, Asker& asker);
+std::optional<SuperpositionParameters> confirmReferenceDistance(SuperpositionParameters parameters, Asker& asker);
 
 }  // namespace orvane::params

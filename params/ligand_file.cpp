@@ -12,7 +12,7 @@ namespace orvane::params {
 namespace {
 
 const char* kLigandTitle = "Error in reading ligand positions";
-const char* kSmDataTitle = "Error in reading superposition model data";
+const char* kSuperpositionDataTitle = "Error in reading superposition model data";
 constexpr std::uintmax_t kMaxLigandFileBytes = 1024 * 1024;
 
 [[noreturn]] void fail(const char* title, const std::string& message, const std::string& file,
@@ -121,8 +121,8 @@ LigandFile readLigandFile(const std::filesystem::path& path) {
     return parseLigandText(readTextFile(path, kMaxLigandFileBytes), path.string());
 }
 
-std::string formatSmData(const SmData& data) {
-    const SmParameters& p = data.parameters;
+std::string formatSuperpositionData(const SuperpositionData& data) {
+    const SuperpositionParameters& p = data.parameters;
     std::string text = "Superposition model data\n";
     text += "Reference distance R0 = " + number(p.r0) + "\n";
     text += std::string("Stevens-type normalisation = ") + (p.stevensType ? "1" : "0") + "\n";
@@ -135,20 +135,20 @@ std::string formatSmData(const SmData& data) {
     return text;
 }
 
-SmData parseSmData(const std::string& text, const std::string& fileName) {
+SuperpositionData parseSuperpositionData(const std::string& text, const std::string& fileName) {
     const auto lines = splitLines(text);
     auto lineAt = [&](std::size_t i) -> std::string_view {
         if (i >= lines.size())
-            fail(kSmDataTitle, "the file ends too early", fileName, static_cast<int>(i) + 1);
+            fail(kSuperpositionDataTitle, "the file ends too early", fileName, static_cast<int>(i) + 1);
         return lines[i];
     };
     auto numbersAt = [&](std::size_t i, std::size_t count, const std::string& what) {
-        return numbersOrFail(splitAnswerFields(rightOfFirstEquals(lineAt(i))), count, kSmDataTitle,
+        return numbersOrFail(splitAnswerFields(rightOfFirstEquals(lineAt(i))), count, kSuperpositionDataTitle,
                              what, fileName, static_cast<int>(i) + 1);
     };
     if (trim(lineAt(0)) != "Superposition model data")
-        fail(kSmDataTitle, "not a superposition model data file (first line)", fileName, 1);
-    SmData data;
+        fail(kSuperpositionDataTitle, "not a superposition model data file (first line)", fileName, 1);
+    SuperpositionData data;
     data.parameters.r0 = numbersAt(1, 1, "R0")[0];
     data.parameters.stevensType = numbersAt(2, 1, "Stevens-type switch")[0] != 0.0;
     for (int i = 0; i < 3; ++i) {
@@ -158,25 +158,25 @@ SmData parseSmData(const std::string& text, const std::string& fileName) {
     }
     const auto count = parseInteger(trim(rightOfFirstEquals(lineAt(6))));
     if (!count || *count < 0 || *count > kMaxLigands)
-        fail(kSmDataTitle, "the number of ligands must be 0.." + std::to_string(kMaxLigands), fileName, 7);
+        fail(kSuperpositionDataTitle, "the number of ligands must be 0.." + std::to_string(kMaxLigands), fileName, 7);
     for (int i = 0; i < *count; ++i) {
         const std::size_t index = 7 + static_cast<std::size_t>(i);
-        const auto v = numbersOrFail(splitAnswerFields(lineAt(index)), 3, kSmDataTitle,
+        const auto v = numbersOrFail(splitAnswerFields(lineAt(index)), 3, kSuperpositionDataTitle,
                                      "R theta phi", fileName, static_cast<int>(index) + 1);
         data.ligands.push_back(Ligand{v[0], v[1], v[2]});
     }
     return data;
 }
 
-void writeSmData(const std::filesystem::path& path, const SmData& data) {
-    writeFileAtomically(path, formatSmData(data));
+void writeSuperpositionData(const std::filesystem::path& path, const SuperpositionData& data) {
+    writeFileAtomically(path, formatSuperpositionData(data));
 }
 
-SmData readSmData(const std::filesystem::path& path) {
-    return parseSmData(readTextFile(path, kMaxLigandFileBytes), path.string());
+SuperpositionData readSuperpositionData(const std::filesystem::path& path) {
+    return parseSuperpositionData(readTextFile(path, kMaxLigandFileBytes), path.string());
 }
 
-void appendSmLog(const std::filesystem::path& path, const std::vector<std::string>& lines) {
+void appendSuperpositionLog(const std::filesystem::path& path, const std::vector<std::string>& lines) {
     FileLogBook log(path);
     for (const std::string& line : lines) log.appendLine(line);
 }

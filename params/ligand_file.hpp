@@ -40,17 +40,17 @@ struct LigandFile {
 LigandFile parseLigandText(const std::string& text, const std::string& fileName);
 LigandFile readLigandFile(const std::filesystem::path& path);
 
-struct SmData {
-    SmParameters parameters;
+struct SuperpositionData {
+    SuperpositionParameters parameters;
     std::vector<Ligand> ligands;
 };
 
-std::string formatSmData(const SmData& data);
-SmData parseSmData(const std::string& text, const std::string& fileName);
-void writeSmData(const std::filesystem::path& path, const SmData& data);  // atomic
-SmData readSmData(const std::filesystem::path& path);
+std::string formatSuperpositionData(const SuperpositionData& data);
+SuperpositionData parseSuperpositionData(const std::string& text, const std::string& fileName);
+void writeSuperpositionData(const std::filesystem::path& path, const SuperpositionData& data);  // atomic
+SuperpositionData readSuperpositionData(const std::filesystem::path& path);
 
 // Appends lines to the calculation log ("smdata.log").
-void appendSmLog(const std::filesystem::path& path, const std::vector<std::string>& lines);
+void appendSuperpositionLog(const std::filesystem::path& path, const std::vector<std::string>& lines);
 
 }  // namespace orvane::params

@@ -65,7 +65,7 @@ double coordinationFactor(int k, int q, double thetaDeg, double phiDeg, bool ste
     return stevensType ? value : value / StevensLambda()[k][aq];
 }
 
-void checkSmInput(const std::vector<Ligand>& ligands, const SmParameters& p) {
+void checkSuperpositionInput(const std::vector<Ligand>& ligands, const SuperpositionParameters& p) {
     if ((p.r0 == 0.0 && !p.zeroR0Ignored) || !std::isfinite(p.r0))
         throw UserError("Error in setting up ligand positions", "Reference ligand distance = 0!");
     if (ligands.size() > static_cast<std::size_t>(kMaxLigands))
@@ -82,9 +82,9 @@ void checkSmInput(const std::vector<Ligand>& ligands, const SmParameters& p) {
 
 // B(k,q) = sum_L b_k (R0/R_L)^t_k K_kq; dB/db_k = sum (R0/R_L)^t_k K_kq;
 // dB/dt_k = sum b_k (R0/R_L)^t_k ln(R0/R_L) K_kq (Newman & Ng 1989, eq. 1.2).
-SmDerivatives smDerivatives(const std::vector<Ligand>& ligands, const SmParameters& p) {
-    checkSmInput(ligands, p);
-    SmDerivatives d;
+SuperpositionDerivatives superpositionDerivatives(const std::vector<Ligand>& ligands, const SuperpositionParameters& p) {
+    checkSuperpositionInput(ligands, p);
+    SuperpositionDerivatives d;
     for (const Ligand& l : ligands) {
         const double ratio = p.r0 / l.r;
         for (int i = 0; i < 3; ++i) {
@@ -104,8 +104,8 @@ SmDerivatives smDerivatives(const std::vector<Ligand>& ligands, const SmParamete
     return d;
 }
 
-BkqArray smBkq(const std::vector<Ligand>& ligands, const SmParameters& p) {
-    const SmDerivatives d = smDerivatives(ligands, p);
+BkqArray superpositionBkq(const std::vector<Ligand>& ligands, const SuperpositionParameters& p) {
+    const SuperpositionDerivatives d = superpositionDerivatives(ligands, p);
     BkqArray b{};
     for (int i = 0; i < 3; ++i) {
         const int k = 2 * (i + 1);
@@ -114,7 +114,7 @@ BkqArray smBkq(const std::vector<Ligand>& ligands, const SmParameters& p) {
     return b;
 }
 
-CfTable smTable(const BkqArray& b, std::string_view picture) {
+CfTable superpositionTable(const BkqArray& b, std::string_view picture) {
     CfTable table;
     table.complexMode = true;
     for (int k = 2; k <= 6; k += 2)

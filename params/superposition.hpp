@@ -25,7 +25,7 @@ struct Ligand {
 };
 
 // Intrinsic parameters b_k(R0) and power-law exponents t_k for k = 2, 4, 6 (index k/2 - 1).
-struct SmParameters {
+struct SuperpositionParameters {
     double r0 = 0.0;
     std::array<double, 3> bk{};
     std::array<double, 3> tk{};
@@ -44,20 +44,20 @@ std::optional<std::pair<std::string, std::string>> coordinationArgumentsError(in
 
 // Checks R0, the ligand count and every distance; throws UserError with the
 // messages of the superposition-model editor.
-void checkSmInput(const std::vector<Ligand>& ligands, const SmParameters& parameters);
+void checkSuperpositionInput(const std::vector<Ligand>& ligands, const SuperpositionParameters& parameters);
 
 // B(k,q) for k = 2, 4, 6, q = 0..k (Re from q, Im from -q factors).
-BkqArray smBkq(const std::vector<Ligand>& ligands, const SmParameters& parameters);
+BkqArray superpositionBkq(const std::vector<Ligand>& ligands, const SuperpositionParameters& parameters);
 
 // dB(k,q)/db_k and dB(k,q)/dt_k (each B(k,q) depends only on its own rank's b_k, t_k).
-struct SmDerivatives {
+struct SuperpositionDerivatives {
     BkqArray byBk{};
     BkqArray byTk{};
 };
-SmDerivatives smDerivatives(const std::vector<Ligand>& ligands, const SmParameters& parameters);
+SuperpositionDerivatives superpositionDerivatives(const std::vector<Ligand>& ligands, const SuperpositionParameters& parameters);
 
 // Rows k = 2, 4, 6, q = 0..k of a B(k,q) array with the given picture.
-CfTable smTable(const BkqArray& b, std::string_view picture = "#####0.0####");
+CfTable superpositionTable(const BkqArray& b, std::string_view picture = "#####0.0####");
 
 // Rotation of the ligand positions by Euler angles (degrees): the inverse of the
 // rotation of the coordinate frame by the same angles, so that rotating the frame

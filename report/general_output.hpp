@@ -16,7 +16,7 @@
 
 namespace orvane {
 
-// Free-electron spin g factor used for gJ (CODATA).
+// Free-electron spin g factor used for gJ (CODATA 2018).
 inline constexpr double kElectronSpinG = 2.0023193043622;
 
 // Energies closer than this (unit of the set) count as one degenerate level.

@@ -11,6 +11,7 @@
 #include "core/number_format.hpp"
 #include "core/text.hpp"
 #include "core/user_error.hpp"
+#include "core/version.hpp"
 #include "engine/barycentre_shift.hpp"
 #include "report/energy_file.hpp"
 #include "engine/energy_levels.hpp"
@@ -165,8 +166,9 @@ RunOutcome runEngine(int mode, std::filesystem::path parameterFile, RunRequest r
 
     constexpr int kStages = 5;  // parameters, engine, tables, sections, files
     environment.log.progress(LogCategory::Run, "run", 0, kStages);
-    auto set = readParameterFile(parameterFile);
+    auto set = readParameterFileForRun(parameterFile);
     set.switches = readRunSwitches(set.optionLine + " " + request.optionText + " " + engineSwitchOf(outcome.kind));
+    refuseUnsupportedSwitches(set.switches, std::nullopt);  // a switch given with the run's own options
     const bool keepEnergies = settings.readInt(kSettingsSection, kKeepEnergiesKey, 1) != 0;
     const int runCounter = settings.readInt(kSettingsSection, kRunCounterKey, 0);
     outcome.names = resultNamesFor(parameterFile, outcome.kind, keepEnergies, runCounter);
@@ -179,7 +181,7 @@ RunOutcome runEngine(int mode, std::filesystem::path parameterFile, RunRequest r
     LogBook& general = generalStream ? static_cast<LogBook&>(*generalStream) : nowhere;
     TeeLogBook progress(general, environment.log);
 
-    writeBanner(general, kOrvaneVersion);
+    writeBanner(general, orvaneVersion());
     progress.appendLine("*** Starting time: " + timeStamp());
     progress.appendLine("Get parameters from " + parameterFile.string());
     progress.appendLine("General output to " + outcome.names.general);

@@ -35,7 +35,6 @@ inline constexpr const char* kSettingsSection = "Settings";
 inline constexpr const char* kInteractivePromptKey = "InteractivePrompt";
 inline constexpr const char* kKeepEnergiesKey = "KeepEnergies";
 inline constexpr const char* kRunCounterKey = "RunCounter";
-inline constexpr const char* kOrvaneVersion = "2.0";
 
 struct RunEnvironment {
     LogBook& log;

@@ -114,7 +114,7 @@ int lookUp(const std::map<std::string, int>& index, const std::string& label) {
 
 }  // namespace
 
-// Complementarity of f^N and f^(15-N) (physics notes 3.3):
+// Complementarity of f^N and f^(15-N) (Racah 1943; docs/conventions.md):
 // (psibar } psi)_N = xi (-1)^(S + L + Sbar + Lbar - 7/2) sqrt(n' [Sbar][Lbar] / (N [S][L])) (psi } psibar)_n',
 // xi = (-1)^((vbar - 1)/2) for N = 8, 1 otherwise.
 Eigen::MatrixXd complementaryParentage(int N, const ParentageTable& source,

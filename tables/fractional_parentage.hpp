@@ -38,7 +38,7 @@ std::string fractionalParentageFileText(std::string_view title, const Eigen::Mat
 
 // Coefficients of f^N (N = 8..14) from those of f^n', n' = 15 - N, by the
 // complementarity relation (Racah 1943; de-Shalit & Talmi, Nuclear Shell
-// Theory, eq. 26.22; seniority factor for N = 8 as in the physics notes 3.3).
+// Theory, eq. 26.22; the seniority factor of N = 8 as in docs/conventions.md).
 // termsN are the terms of f^N (labelled as f^(n'-1)), parentsN the terms of
 // f^(N-1) (labelled as f^n'); terms are matched to the source by label.
 // Throws std::invalid_argument for an N outside 8..14 or an unmatched label.

@@ -64,7 +64,7 @@ std::vector<TermSpinOrbit> spinOrbitOf(const std::vector<TermRecord>& terms) {
     return result;
 }
 
-// Racah 1943, Phys. Rev. 63, 367, eq. (44); physics notes 3.2.
+// Racah 1943, Phys. Rev. 63, 367, eq. (44).
 Eigen::MatrixXd unitTensorMatrix(int n, int k, const std::vector<TermSpinOrbit>& terms,
                                  const std::vector<TermSpinOrbit>& parents,
                                  const Eigen::MatrixXd& cfp) {
@@ -87,7 +87,7 @@ Eigen::MatrixXd unitTensorMatrix(int n, int k, const std::vector<TermSpinOrbit>&
     return result;
 }
 
-// Physics notes 3.2 (the double-tensor form of Racah 1943, eq. (44)).
+// The double-tensor form of Racah 1943, eq. (44) (docs/conventions.md).
 Eigen::MatrixXd doubleTensorMatrix(int n, int k, const std::vector<TermSpinOrbit>& terms,
                                    const std::vector<TermSpinOrbit>& parents,
                                    const Eigen::MatrixXd& cfp) {
@@ -115,7 +115,7 @@ Eigen::MatrixXd doubleTensorMatrix(int n, int k, const std::vector<TermSpinOrbit
     return result;
 }
 
-// Slater 1929; physics notes 5.1 (psi'' over every L'' of the same S).
+// Slater 1929 (psi'' over every L'' of the same S; docs/conventions.md).
 Eigen::MatrixXd coulombMatrix(int n, int k, const std::vector<TermSpinOrbit>& terms,
                               const Eigen::MatrixXd& unitTensor) {
     const int T = static_cast<int>(terms.size());
@@ -184,7 +184,7 @@ Eigen::MatrixXd parseReducedTable(std::string_view text, int termCount, const st
     return stored;
 }
 
-// Racah 1949, Phys. Rev. 76, 1352 (physics notes 5.1), with f^k = D_k f_k.
+// Racah 1949, Phys. Rev. 76, 1352, with f^k = D_k f_k.
 std::array<Eigen::MatrixXd, 3> racahElectrostaticOperators(int n, const Eigen::MatrixXd& f2,
                                                            const Eigen::MatrixXd& f4,
                                                            const Eigen::MatrixXd& f6) {

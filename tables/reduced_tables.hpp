@@ -31,18 +31,18 @@ struct TermSpinOrbit {
 };
 std::vector<TermSpinOrbit> spinOrbitOf(const std::vector<TermRecord>& terms);
 
-// Racah 1943, eq. (44) / physics notes 3.2: n sqrt([L][L']) sum cfp cfp (-1)^(Lbar+l+L+k) {L k L'; l Lbar l}.
+// Racah 1943, eq. (44): n sqrt([L][L']) sum cfp cfp (-1)^(Lbar+l+L+k) {L k L'; l Lbar l}.
 Eigen::MatrixXd unitTensorMatrix(int n, int k, const std::vector<TermSpinOrbit>& terms,
                                  const std::vector<TermSpinOrbit>& parents,
                                  const Eigen::MatrixXd& cfp);
 
-// Physics notes 3.2: n sqrt(3/2) sqrt([S][S'][L][L']) sum cfp cfp
+// Racah 1943 (docs/conventions.md): n sqrt(3/2) sqrt([S][S'][L][L']) sum cfp cfp
 // (-1)^(Sbar+s+S+1+Lbar+l+L+k) {S 1 S'; s Sbar s} {L k L'; l Lbar l}.
 Eigen::MatrixXd doubleTensorMatrix(int n, int k, const std::vector<TermSpinOrbit>& terms,
                                    const std::vector<TermSpinOrbit>& parents,
                                    const Eigen::MatrixXd& cfp);
 
-// Slater 1929 / physics notes 5.1: f_k(psi, psi') = 1/2 <f||C(k)||f>^2
+// Slater 1929 (docs/conventions.md): f_k(psi, psi') = 1/2 <f||C(k)||f>^2
 // [ (1/[L]) sum_{psi'' of the same S, every L''} U(psi,psi'') U(psi',psi'') - delta n/7 ]
 // for psi, psi' of equal S and L. `unitTensor` is the full U(k) matrix.
 Eigen::MatrixXd coulombMatrix(int n, int k, const std::vector<TermSpinOrbit>& terms,
@@ -59,7 +59,7 @@ std::string reducedTableFileText(std::string_view title, const Eigen::MatrixXd& 
 // UserError naming the file and line for malformed lines or indices outside 1..T.
 Eigen::MatrixXd parseReducedTable(std::string_view text, int termCount, const std::string& fileName);
 
-// Racah 1949 electrostatic operators e1, e2, e3 from f2, f4, f6 (physics notes 5.1)
+// Racah 1949 electrostatic operators e1, e2, e3 from f2, f4, f6 (docs/conventions.md)
 // and the traces over the |SLJM> space (weights [S][L]).
 struct ElectrostaticTraces {
     std::array<double, 3> squares{};          // Tr(e_i^2)

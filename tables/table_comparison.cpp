@@ -18,7 +18,7 @@ bool sameLabel(const std::string& generated, const std::string& published) {
            generated.substr(0, 2) + generated.substr(3) == published;
 }
 
-// Configuration average of f_k over all C(14, n) states (physics notes 5.3):
+// Configuration average of f_k over all C(14, n) states (docs/conventions.md):
 // -(n(n-1)/2) (7/13) (3 k 3; 0 0 0)^2.
 double coulombAverage(int n, int k) {
     const double threeJ = ThreeJ2(6, 2 * k, 6, 0, 0, 0);

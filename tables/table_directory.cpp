@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <system_error>
+#include <vector>
 
 #include "core/text.hpp"
 
@@ -29,9 +30,38 @@ std::optional<std::filesystem::path> findCaseBlind(const std::filesystem::path& 
     return found;
 }
 
+std::filesystem::path runningExecutableDirectory() {
+    std::error_code error;
+    const auto executable = std::filesystem::read_symlink("/proc/self/exe", error);
+    if (error || executable.empty()) return {};
+    return executable.parent_path();
+}
+
+std::vector<std::filesystem::path> tableDirectoryCandidates(const std::filesystem::path& executableDirectory) {
+    std::vector<std::filesystem::path> candidates;
+    if (executableDirectory.empty()) return candidates;
+    const auto parent = executableDirectory.parent_path();
+    candidates.push_back(parent / "share" / "orvane" / "rme");  // installed: <prefix>/bin/orvane
+    candidates.push_back(parent / "data" / "rme");             // a build folder inside the source tree
+    // A build tree elsewhere below the source tree: the first ancestor that
+    // holds the delivered tables beside the top CMakeLists.txt.
+    for (auto folder = executableDirectory; !folder.empty(); folder = folder.parent_path()) {
+        std::error_code error;
+        if (std::filesystem::is_regular_file(folder / "CMakeLists.txt", error))
+            candidates.push_back(folder / "data" / "rme");
+        if (folder == folder.root_path() || folder.parent_path() == folder) break;
+    }
+    return candidates;
+}
+
 std::filesystem::path defaultTableDirectory() {
-    if (const char* dir = std::getenv("ORVANE_TABLE_DIR"); dir && *dir) return dir;
-    return std::filesystem::path(ORVANE_SOURCE_DIR) / "data" / "rme";
+    for (const char* variable : {"ORVANE_DATA_DIR", "ORVANE_TABLE_DIR"})
+        if (const char* dir = std::getenv(variable); dir && *dir) return dir;
+    for (const auto& candidate : tableDirectoryCandidates(runningExecutableDirectory())) {
+        std::error_code error;
+        if (std::filesystem::is_directory(candidate, error)) return candidate;
+    }
+    return userCacheTableDirectory();
 }
 
 std::filesystem::path userCacheTableDirectory() {

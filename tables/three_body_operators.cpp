@@ -102,7 +102,7 @@ ThreeBodyOperators conjugateThreeBodyOperators(const ThreeBodyOperators& operato
     return result;
 }
 
-// Judd 1966; physics notes 6.4: t2 = t2' + (n - 2) e3 / (70 sqrt 2).
+// Judd 1966; Hansen, Judd & Crosswhite 1996: t2 = t2' + (n - 2) e3 / (70 sqrt 2).
 Eigen::MatrixXd legacyT2(int n, const Eigen::MatrixXd& t2Prime, const Eigen::MatrixXd& e3) {
     return t2Prime + ((n - 2) / (70.0 * std::sqrt(2.0))) * e3;
 }

@@ -55,7 +55,7 @@ ThreeBodyOperators escalateThreeBodyOperators(int n, const std::vector<TermSpinO
 // t_i(f^(14-n)) = -t_i(f^n).
 ThreeBodyOperators conjugateThreeBodyOperators(const ThreeBodyOperators& operators);
 
-// Judd 1966 / physics notes 6.4: legacy t2 = t2' + (n - 2) e3 / (70 sqrt 2), for
+// Judd 1966; Hansen, Judd & Crosswhite 1996: legacy t2 = t2' + (n - 2) e3 / (70 sqrt 2), for
 // every n = 3..12 (e3 of f^n, which equals that of f^(14-n)).
 Eigen::MatrixXd legacyT2(int n, const Eigen::MatrixXd& t2Prime, const Eigen::MatrixXd& e3);
 

@@ -71,7 +71,7 @@ Eigen::MatrixXd escalateTwoBodyDoubleTensor(int n, int rank, const std::vector<T
     return escalateTwoBodyDoubleTensors(n, rank, terms, parents, cfp, {parentMatrix}).front();
 }
 
-// Physics notes 3.2 (scalar k-body escalation, factor n/(n-k)).
+// Scalar k-body escalation, factor n/(n-k) (Judd 1966; docs/conventions.md).
 Eigen::MatrixXd escalateScalarOperator(int n, int bodies, const std::vector<TermSpinOrbit>& terms,
                                        const std::vector<TermSpinOrbit>& parents, const Eigen::MatrixXd& cfp,
                                        const Eigen::MatrixXd& parentMatrix) {

@@ -111,7 +111,7 @@ TEST(SuperpositionDialogs, ZeroReferenceDistance) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        params::SmParameters p;
+        params::SuperpositionParameters p;
         p.r0 = 0.0;
         p.bk = {400.0, 300.0, 200.0};
         p.tk = {7.0, 10.0, 12.0};

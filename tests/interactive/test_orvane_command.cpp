@@ -8,6 +8,7 @@
 #include <string>
 
 #include "core/atomic_file.hpp"
+#include "core/version.hpp"
 #include "tests/interactive/orvane_command_runner.hpp"
 #include "tests/support/reference_data.hpp"
 
@@ -23,6 +24,7 @@ TEST(OrvaneCommand, CalculatorsPrintTheValueLast) {
         {"calc 3j 1 1 0 1 -1 0", 0.5773502691896258, "1/sqrt(3)"},
         {"calc 6j 3 3 2 3 3 2", 19.0 / 420.0, "{3 3 2; 3 3 2} = 19/420"},
         {"calc 9j 2 2 2 2 2 2 2 2 2", 41.0 / 2450.0, "{2 2 2; 2 2 2; 2 2 2} = 41/2450"},
+        {"calc 9j 1 1 0 0 1 1 1 0 1", 1.0 / 9.0, "only x = 0 admissible: 1/9"},
         {"calc ck 3 6 3", -1.2773807700532, "<f||C(6)||f> = -10 sqrt(3003)/429"},
     };
     for (const auto& c : cases) {
@@ -41,6 +43,9 @@ TEST(OrvaneCommand, UsageErrorsExitWithTwo) {
     const auto help = runOrvane("--help");
     EXPECT_EQ(help.exitCode, 0);
     EXPECT_NE(help.out.find("calc"), std::string::npos);
+    const auto version = runOrvane("--version");
+    EXPECT_EQ(version.exitCode, 0);
+    EXPECT_EQ(version.out, "orvane " + std::string(orvaneVersion()) + "\n");
 }
 
 TEST(OrvaneCommand, ParameterCheckReadsEveryExample) {

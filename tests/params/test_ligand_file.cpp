@@ -75,16 +75,16 @@ TEST(LigandFile, ExampleFilesRead) {
     }
 }
 
-TEST(SmData, RoundTripIsExactAndMalformedFilesAreRefused) {
-    SmData data;
+TEST(SuperpositionData, RoundTripIsExactAndMalformedFilesAreRefused) {
+    SuperpositionData data;
     data.parameters.r0 = 2.4173;
     data.parameters.bk = {431.5, -212.25, 1.0 / 3.0};
     data.parameters.tk = {5.0, 8.0, 11.0};
     data.parameters.stevensType = true;
     data.ligands = {{2.3, 54.7356103172, 45.0}, {2.41, 0.1, -179.9}};
     const auto dir = orvane::test::scratchDirectory("smdata");
-    writeSmData(dir / "smdata.txt", data);
-    const SmData back = readSmData(dir / "smdata.txt");
+    writeSuperpositionData(dir / "smdata.txt", data);
+    const SuperpositionData back = readSuperpositionData(dir / "smdata.txt");
     EXPECT_EQ(back.parameters.r0, data.parameters.r0);
     EXPECT_EQ(back.parameters.bk, data.parameters.bk);
     EXPECT_EQ(back.parameters.tk, data.parameters.tk);
@@ -92,9 +92,9 @@ TEST(SmData, RoundTripIsExactAndMalformedFilesAreRefused) {
     ASSERT_EQ(back.ligands.size(), 2u);
     EXPECT_EQ(back.ligands[0].thetaDeg, 54.7356103172);
     EXPECT_EQ(back.ligands[1].phiDeg, -179.9);
-    EXPECT_EQ(formatSmData(back), formatSmData(data));
+    EXPECT_EQ(formatSuperpositionData(back), formatSuperpositionData(data));
 
-    std::string text = formatSmData(data);
+    std::string text = formatSuperpositionData(data);
     struct Case { std::string text; int line; };
     const Case cases[] = {
         {"Something else\n", 1},
@@ -104,13 +104,17 @@ TEST(SmData, RoundTripIsExactAndMalformedFilesAreRefused) {
     };
     for (const Case& c : cases) {
         try {
-            parseSmData(c.text, "smdata.txt");
+            parseSuperpositionData(c.text, "smdata.txt");
             FAIL() << c.text;
         } catch (const UserError& e) {
             EXPECT_EQ(e.title(), "Error in reading superposition model data");
             EXPECT_EQ(e.where()->line, c.line) << e.describe();
         }
     }
+    // The log is appended line by line.
+    appendSuperpositionLog(dir / "smdata.log", {"first"});
+    appendSuperpositionLog(dir / "smdata.log", {"second"});
+    EXPECT_EQ(readTextFile(dir / "smdata.log"), "first\nsecond\n");
 }
 
 }  // namespace

@@ -11,7 +11,7 @@
 #include "core/angular.hpp"
 #include "core/user_error.hpp"
 #include "params/cf_rotation.hpp"
-#include "params/sm_estimation.hpp"
+#include "params/superposition_estimation.hpp"
 #include "params/stevens_lambda.hpp"
 #include "params/superposition.hpp"
 #include "params/value_cell.hpp"
@@ -38,7 +38,7 @@ Complex racahHarmonic(int k, int q, double thetaDeg, double phiDeg) {
 
 // B(k,q) as a point-charge-style sum written with the harmonics above:
 // B(k,q) = sum_L b_k (R0/R_L)^t_k C(k,q)(ligand)*.
-BkqArray harmonicSum(const std::vector<Ligand>& ligands, const SmParameters& p) {
+BkqArray harmonicSum(const std::vector<Ligand>& ligands, const SuperpositionParameters& p) {
     BkqArray b{};
     for (const Ligand& l : ligands)
         for (int k = 2; k <= 6; k += 2)
@@ -56,8 +56,8 @@ std::vector<Ligand> cubeCorners(double r) {
     return out;
 }
 
-SmParameters unitParameters() {
-    SmParameters p;
+SuperpositionParameters unitParameters() {
+    SuperpositionParameters p;
     p.r0 = 2.0;
     p.bk = {1.0, 1.0, 1.0};
     p.tk = {7.0, 10.0, 11.0};
@@ -92,11 +92,11 @@ TEST(SuperpositionModel, DistortedCubeAgreesWithTheHarmonicSum) {
         l.thetaDeg += jitter(rng);
         l.phiDeg += jitter(rng);
     }
-    SmParameters p;
+    SuperpositionParameters p;
     p.r0 = 2.35;
     p.bk = {400.0, 350.0, 120.0};
     p.tk = {5.0, 8.0, 11.0};
-    const BkqArray b = smBkq(ligands, p);
+    const BkqArray b = superpositionBkq(ligands, p);
     const BkqArray expected = harmonicSum(ligands, p);
     for (int k = 2; k <= 6; k += 2)
         for (int q = 0; q <= k; ++q)
@@ -119,26 +119,26 @@ TEST(SuperpositionModel, CheckValuesOfSimpleCoordinations) {
          {{4, 0, 3.5}, {4, 4, 2.091650}, {6, 0, 0.75}, {6, 4, -1.403122}, {2, 0, 0.0}}},
     };
     for (const Case& c : cases) {
-        const BkqArray b = smBkq(c.ligands, unitParameters());
+        const BkqArray b = superpositionBkq(c.ligands, unitParameters());
         for (const Value& v : c.values) {
             EXPECT_NEAR(b[v.k][v.q].real(), v.b, 1e-6) << c.name << " B" << v.k << v.q;
             EXPECT_NEAR(b[v.k][v.q].imag(), 0.0, 1e-12) << c.name;
         }
     }
     // Cube: the cubic ratios B44/B40 = sqrt(5/14), B64/B60 = -sqrt(7/2).
-    const BkqArray cube = smBkq(cubeCorners(2.0), unitParameters());
+    const BkqArray cube = superpositionBkq(cubeCorners(2.0), unitParameters());
     EXPECT_NEAR(cube[4][4].real() / cube[4][0].real(), std::sqrt(5.0 / 14.0), 1e-12);
     EXPECT_NEAR(cube[6][4].real() / cube[6][0].real(), -std::sqrt(3.5), 1e-12);
 }
 
 TEST(SuperpositionModel, PowerLawAndDerivatives) {
-    SmParameters p = unitParameters();
+    SuperpositionParameters p = unitParameters();
     p.bk = {300.0, 200.0, 100.0};
     // One ligand on z at R: B(k,0) = b_k (R0/R)^t_k.
-    const BkqArray far = smBkq({{2.5, 0, 0}}, p);
+    const BkqArray far = superpositionBkq({{2.5, 0, 0}}, p);
     EXPECT_NEAR(far[4][0].real(), 200.0 * std::pow(2.0 / 2.5, 10.0), 1e-9);
     // At R = R0 the t_k derivative vanishes and the b_k derivative is K_kq.
-    const SmDerivatives atR0 = smDerivatives({{2.0, 70.0, 20.0}}, p);
+    const SuperpositionDerivatives atR0 = superpositionDerivatives({{2.0, 70.0, 20.0}}, p);
     for (int k = 2; k <= 6; k += 2)
         for (int q = 0; q <= k; ++q) {
             EXPECT_EQ(std::abs(atR0.byTk[k][q]), 0.0);
@@ -148,17 +148,17 @@ TEST(SuperpositionModel, PowerLawAndDerivatives) {
     std::vector<Ligand> ligands = cubeCorners(2.3);
     ligands[0].r = 2.1;
     ligands[3].thetaDeg += 7.0;
-    const SmDerivatives d = smDerivatives(ligands, p);
+    const SuperpositionDerivatives d = superpositionDerivatives(ligands, p);
     const double h = 1e-6;
     for (int i = 0; i < 3; ++i) {
         const int k = 2 * (i + 1);
-        SmParameters up = p, down = p;
+        SuperpositionParameters up = p, down = p;
         up.tk[i] += h;
         down.tk[i] -= h;
-        const BkqArray bu = smBkq(ligands, up), bd = smBkq(ligands, down);
-        SmParameters ub = p;
+        const BkqArray bu = superpositionBkq(ligands, up), bd = superpositionBkq(ligands, down);
+        SuperpositionParameters ub = p;
         ub.bk[i] += 1.0;
-        const BkqArray b0 = smBkq(ligands, p), b1 = smBkq(ligands, ub);
+        const BkqArray b0 = superpositionBkq(ligands, p), b1 = superpositionBkq(ligands, ub);
         for (int q = 0; q <= k; ++q) {
             EXPECT_LT(std::abs((bu[k][q] - bd[k][q]) / (2 * h) - d.byTk[k][q]), 1e-5 * (1 + std::abs(d.byTk[k][q])));
             EXPECT_LT(std::abs((b1[k][q] - b0[k][q]) - d.byBk[k][q]), 1e-9);
@@ -166,21 +166,21 @@ TEST(SuperpositionModel, PowerLawAndDerivatives) {
     }
 }
 
-CfTable tableFrom(const BkqArray& b) { return smTable(b); }
+CfTable tableFrom(const BkqArray& b) { return superpositionTable(b); }
 
-TEST(SmEstimation, RecoversTheIntrinsicParametersItGenerated) {
+TEST(SuperpositionEstimation, RecoversTheIntrinsicParametersItGenerated) {
     std::vector<Ligand> ligands = cubeCorners(2.4);
     ligands[1].r = 2.3;
     ligands[2].thetaDeg += 9.0;
     ligands[5].phiDeg -= 13.0;
-    SmParameters p;
+    SuperpositionParameters p;
     p.r0 = 2.4;
     p.bk = {431.5, -212.25, 97.125};
     p.tk = {5.0, 8.0, 11.0};
-    const CfTable bkq = tableFrom(smBkq(ligands, p));
-    SmParameters fixed = p;
+    const CfTable bkq = tableFrom(superpositionBkq(ligands, p));
+    SuperpositionParameters fixed = p;
     fixed.bk = {0, 0, 0};
-    const SmEstimate estimate = estimateIntrinsicParameters(ligands, fixed, bkq);
+    const SuperpositionEstimate estimate = estimateIntrinsicParameters(ligands, fixed, bkq);
     for (int i = 0; i < 3; ++i) {
         ASSERT_TRUE(estimate.bk[i]);
         EXPECT_NEAR(*estimate.bk[i], p.bk[i], 1e-6 * std::fabs(p.bk[i]));
@@ -188,15 +188,15 @@ TEST(SmEstimation, RecoversTheIntrinsicParametersItGenerated) {
     EXPECT_LT(estimate.rmsDeviation, 1e-6);
 }
 
-TEST(SmEstimation, RankWithoutFieldIsNotDetermined) {
+TEST(SuperpositionEstimation, RankWithoutFieldIsNotDetermined) {
     // A perfect cube has no rank-2 field: b2 cannot be estimated, b4 and b6 can.
     const std::vector<Ligand> cube = cubeCorners(2.4);
-    SmParameters p = unitParameters();
+    SuperpositionParameters p = unitParameters();
     p.r0 = 2.4;
     p.bk = {0.0, 250.0, -80.0};
-    CfTable bkq = smTable(smBkq(cube, p));
+    CfTable bkq = superpositionTable(superpositionBkq(cube, p));
     bkq.rows[0].re = makeCell(-256.0);  // a measured B20 that the cube cannot explain
-    const SmEstimate estimate = estimateIntrinsicParameters(cube, p, bkq);
+    const SuperpositionEstimate estimate = estimateIntrinsicParameters(cube, p, bkq);
     EXPECT_FALSE(estimate.bk[0]);
     ASSERT_TRUE(estimate.bk[1] && estimate.bk[2]);
     EXPECT_NEAR(*estimate.bk[1], 250.0, 1e-3);
@@ -207,12 +207,12 @@ TEST(LigandRotation, IsTheInverseOfTheFrameRotation) {
     std::vector<Ligand> ligands = cubeCorners(2.4);
     ligands[0].r = 2.2;
     ligands[4].thetaDeg += 11.0;
-    const SmParameters p = unitParameters();
+    const SuperpositionParameters p = unitParameters();
     const EulerAngles e{23.0, 71.0, -48.0};
     // Frame rotation of the moved ligands' parameters gives back the original parameters.
-    const BkqArray moved = smBkq(rotateLigands(ligands, e.alpha, e.beta, e.gamma), p);
+    const BkqArray moved = superpositionBkq(rotateLigands(ligands, e.alpha, e.beta, e.gamma), p);
     const BkqArray back = rotateBkq(moved, e);
-    const BkqArray original = smBkq(ligands, p);
+    const BkqArray original = superpositionBkq(ligands, p);
     for (int k = 2; k <= 6; k += 2)
         for (int q = 0; q <= k; ++q) EXPECT_LT(std::abs(back[k][q] - original[k][q]), 1e-9);
     // Rotating by (0, 90, 0) moves the ligand from z into the xz plane.

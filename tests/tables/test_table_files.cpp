@@ -1,6 +1,7 @@
 // Files of the table directory: state labels, coefficients of fractional
 // parentage, reduced-matrix tables, case-blind lookup, on-demand generation,
 // the delivered data and the published-table reader.
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 
@@ -79,6 +80,35 @@ TEST(ReducedTableFiles, StoredHalfRoundTripsAndSkipsTinyValues) {
     EXPECT_EQ(reducedTableFileText("t", tiny), "t\n 2  2   2\n");
     EXPECT_THROW(parseReducedTable("t\n1 9  .5\n", 7, "x"), UserError);
     EXPECT_THROW(parseReducedTable("t\n1 2\n", 7, "x"), UserError);
+}
+
+TEST(TableDirectory, NamesResolveCaseBlind) {
+    const auto dir = scratchDirectory("tables_case_blind");
+    writeFileAtomically(dir / "F3RMU2.VAL", "t\n");
+    const auto found = findCaseBlind(dir, "f3rmu2.val");
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->filename().string(), "F3RMU2.VAL");
+    EXPECT_FALSE(findCaseBlind(dir, "f3rmu4.val"));
+    EXPECT_EQ(tableFileName(TableOperator::V1, 1), "rmv11.val");
+    EXPECT_EQ(configurationFileName(12, tableFileName(TableOperator::F, 6)), "f12rmf6.val");
+}
+
+TEST(TableDirectory, FoundFromTheEnvironmentThenBesideTheProgram) {
+    const auto root = scratchDirectory("tables_lookup");
+    std::filesystem::create_directories(root / "src" / "build" / "tests");
+    writeFileAtomically(root / "src" / "CMakeLists.txt", "project(x)\n");
+    const auto candidates = tableDirectoryCandidates(root / "src" / "build" / "tests");
+    const std::vector<std::filesystem::path> expected = {root / "src" / "build" / "share" / "orvane" / "rme",
+                                                         root / "src" / "build" / "data" / "rme",
+                                                         root / "src" / "data" / "rme"};
+    ASSERT_GE(candidates.size(), expected.size());
+    EXPECT_TRUE(std::equal(expected.begin(), expected.end(), candidates.begin()));
+    EXPECT_TRUE(std::filesystem::exists(defaultTableDirectory() / "f2state.lab"));  // this build's data/rme
+    const char* previous = std::getenv("ORVANE_DATA_DIR");
+    const std::string saved = previous ? previous : "";
+    setenv("ORVANE_DATA_DIR", (root / "tables").c_str(), 1);
+    EXPECT_EQ(defaultTableDirectory(), root / "tables");
+    if (previous) setenv("ORVANE_DATA_DIR", saved.c_str(), 1); else unsetenv("ORVANE_DATA_DIR");
 }
 
 TEST(TableDirectory, MissingTablesAreGeneratedOnceAndReused) {

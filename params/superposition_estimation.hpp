@@ -13,7 +13,7 @@
 
 namespace orvane::params {
 
-struct SmEstimate {
+struct SuperpositionEstimate {
     // std::nullopt: no parameter of that rank given, or the ligand geometry makes the
     // rank's coordination sums vanish (e.g. rank 2 of a cube)
     std::array<std::optional<double>, 3> bk;
@@ -22,10 +22,10 @@ struct SmEstimate {
 };
 
 // Throws UserError titled "Error in SM estimation" for missing ligands, R0 or B(k,q).
-SmEstimate estimateIntrinsicParameters(const std::vector<Ligand>& ligands,
-                                       const SmParameters& fixedExponents, const CfTable& bkq);
+SuperpositionEstimate estimateIntrinsicParameters(const std::vector<Ligand>& ligands,
+                                       const SuperpositionParameters& fixedExponents, const CfTable& bkq);
 
 // Log lines of an estimate ("####0.000").
-std::vector<std::string> estimateLines(const SmEstimate& estimate);
+std::vector<std::string> estimateLines(const SuperpositionEstimate& estimate);
 
 }  // namespace orvane::params

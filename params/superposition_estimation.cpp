@@ -1,4 +1,4 @@
-#include "params/sm_estimation.hpp"
+#include "params/superposition_estimation.hpp"
 
 #include <cmath>
 #include <cstdlib>
@@ -26,8 +26,8 @@ struct Observation {
 
 // Linear least squares for b_k at fixed t_k (Newman & Ng 1989, section 1.4), solved by
 // column-pivoted Householder QR.
-SmEstimate estimateIntrinsicParameters(const std::vector<Ligand>& ligands,
-                                       const SmParameters& fixed, const CfTable& bkq) {
+SuperpositionEstimate estimateIntrinsicParameters(const std::vector<Ligand>& ligands,
+                                       const SuperpositionParameters& fixed, const CfTable& bkq) {
     if (ligands.empty())
         throw UserError(kEstimationTitle,
                         "Need to fill in ligand positions before estimation of SM parameters!");
@@ -44,9 +44,9 @@ SmEstimate estimateIntrinsicParameters(const std::vector<Ligand>& ligands,
         throw UserError(kEstimationTitle, "Need to provide CFP values in the Input Form before "
                                           "estimation of SM parameters!");
 
-    SmParameters unit = fixed;
+    SuperpositionParameters unit = fixed;
     unit.bk = {1.0, 1.0, 1.0};
-    const SmDerivatives g = smDerivatives(ligands, unit);
+    const SuperpositionDerivatives g = superpositionDerivatives(ligands, unit);
     std::vector<Observation> observations;
     for (const CfRow& row : bkq.rows) {
         if (row.k != 2 && row.k != 4 && row.k != 6) continue;
@@ -76,7 +76,7 @@ SmEstimate estimateIntrinsicParameters(const std::vector<Ligand>& ligands,
             if (o.rank == rank && std::fabs(o.model) > 1e-9 * scale[rank]) informative = true;
         if (informative) column[rank] = columns++;
     }
-    SmEstimate estimate;
+    SuperpositionEstimate estimate;
     estimate.observations = static_cast<int>(observations.size());
     if (columns == 0) return estimate;
     Eigen::MatrixXd design = Eigen::MatrixXd::Zero(static_cast<Eigen::Index>(observations.size()), columns);
@@ -94,7 +94,7 @@ SmEstimate estimateIntrinsicParameters(const std::vector<Ligand>& ligands,
     return estimate;
 }
 
-std::vector<std::string> estimateLines(const SmEstimate& e) {
+std::vector<std::string> estimateLines(const SuperpositionEstimate& e) {
     std::vector<std::string> lines;
     lines.push_back("Estimated intrinsic parameters of the superposition model:");
     for (int rank = 0; rank < 3; ++rank) {
