@@ -25,13 +25,21 @@ std::vector<int> projectionOffsets(const JBasis& basis) {
 
 // Sorts the components by decreasing |c| and the multiplet weights by
 // decreasing weight, then fills label, J and the mixing flag.
+// Magnitudes equal to 1e-12 (the partners M and -M of a state, equal by
+// symmetry but not to the last bit) sort by basis order, so the listing does
+// not depend on the rounding of the eigen solver.
 void finishLevel(ResultLevel& level, const ResultBasis& basis) {
-    std::stable_sort(level.components.begin(), level.components.end(),
-                     [](const LevelComponent& a, const LevelComponent& b) {
-                         return std::abs(a.coefficient) > std::abs(b.coefficient);
-                     });
-    std::stable_sort(level.multiplets.begin(), level.multiplets.end(),
-                     [](const MultipletWeight& a, const MultipletWeight& b) { return a.weight > b.weight; });
+    const auto magnitudeKey = [](double magnitude) { return std::llround(magnitude * 1e12); };
+    std::sort(level.components.begin(), level.components.end(),
+              [&](const LevelComponent& a, const LevelComponent& b) {
+                  const auto ka = magnitudeKey(std::abs(a.coefficient)), kb = magnitudeKey(std::abs(b.coefficient));
+                  return ka != kb ? ka > kb : a.basisIndex < b.basisIndex;
+              });
+    std::sort(level.multiplets.begin(), level.multiplets.end(),
+              [&](const MultipletWeight& a, const MultipletWeight& b) {
+                  const auto ka = magnitudeKey(a.weight), kb = magnitudeKey(b.weight);
+                  return ka != kb ? ka > kb : a.jState < b.jState;
+              });
     if (level.multiplets.empty()) return;
     const int jState = level.multiplets.front().jState;
     const auto found = std::find_if(basis.states.begin(), basis.states.end(),

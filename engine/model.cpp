@@ -78,6 +78,25 @@ TimeReversal timeReversal(const ModelBlock& from, const ModelBlock& to) {
     return map;
 }
 
+// The phase convention of the crystal-field vectors: the component of largest
+// magnitude (the first of equal ones) is real and positive, so that listings
+// do not depend on the LAPACK driver.
+template <typename Vector>
+void fixPhase(Vector& vector) {
+    Eigen::Index largest = 0;
+    double magnitude = -1.0;
+    for (Eigen::Index i = 0; i < vector.size(); ++i)
+        if (std::abs(vector(i)) > magnitude + 1e-12) {
+            magnitude = std::abs(vector(i));
+            largest = i;
+        }
+    if (magnitude <= 0.0) return;
+    if constexpr (std::is_same_v<typename Vector::Scalar, Complex>)
+        vector *= std::conj(vector(largest)) / magnitude;
+    else if (vector(largest) < 0.0)
+        vector = -vector;
+}
+
 template <typename Vector>
 Vector timeReversed(const TimeReversal& map, const Vector& vector) {
     Vector result(static_cast<Eigen::Index>(map.source.size()));
@@ -373,10 +392,16 @@ ModelSolution Model::solve(const ParameterVector& parameters, const SolveRequest
         EigenStatus status;
         if (spec_.complex) {
             fillBlock<Complex>(b, workspace.freeIon, parameters, workspace.complex.matrix(n));
-            status = collect(workspace.complex, [](ModelLevel& level, const auto& v) { level.complexVector = v; });
+            status = collect(workspace.complex, [](ModelLevel& level, const auto& v) {
+                level.complexVector = v;
+                fixPhase(level.complexVector);
+            });
         } else {
             fillBlock<double>(b, workspace.freeIon, parameters, workspace.real.matrix(n));
-            status = collect(workspace.real, [](ModelLevel& level, const auto& v) { level.vector = v; });
+            status = collect(workspace.real, [](ModelLevel& level, const auto& v) {
+                level.vector = v;
+                fixPhase(level.vector);
+            });
         }
         if (status != EigenStatus::Ok) {
             solution.status = status;
