@@ -153,6 +153,9 @@ void LapackDistinctVectors(benchmark::State& state, ParameterSet (*ion)()) {
 void LapackDistinctMrrr(benchmark::State& state, ParameterSet (*ion)()) {
     Diagonalise(state, ion, false, EigenDriver::Mrrr);
 }
+void LapackDistinctMrrrVectors(benchmark::State& state, ParameterSet (*ion)()) {
+    Diagonalise(state, ion, true, EigenDriver::Mrrr);
+}
 
 void Run(benchmark::State& state, ParameterSet (*ion)()) {
     prepared(ion);
@@ -173,6 +176,7 @@ constexpr auto kMs = benchmark::kMillisecond;
     BENCHMARK_CAPTURE(LapackDistinctMrrr, ion, ion)->Unit(kMs)->Repetitions(repetitions);   \
     BENCHMARK_CAPTURE(SolveVectors, ion, ion)->Unit(kMs)->Repetitions(repetitions);         \
     BENCHMARK_CAPTURE(LapackDistinctVectors, ion, ion)->Unit(kMs)->Repetitions(repetitions); \
+    BENCHMARK_CAPTURE(LapackDistinctMrrrVectors, ion, ion)->Unit(kMs)->Repetitions(repetitions); \
     BENCHMARK_CAPTURE(Run, ion, ion)->Unit(kMs)->Iterations(1)->Repetitions(repetitions)
 
 ORVANE_ENGINE_BENCHMARKS(gadolinium, 3);

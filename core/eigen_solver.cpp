@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <type_traits>
 
 #include "core/lapack.hpp"
 
@@ -132,7 +133,8 @@ EigenStatus EigenWorkspace<Scalar>::solve(const EigenRequest& request) {
     if (wanted == 0 || n == 0) return EigenStatus::Ok;
     reserve(values_, n, 0);
     EigenDriver driver = request.driver;
-    if (driver == EigenDriver::Automatic) driver = all ? EigenDriver::DivideAndConquer : EigenDriver::Mrrr;
+    if (driver == EigenDriver::Automatic)
+        driver = all && std::is_same_v<Scalar, double> ? EigenDriver::DivideAndConquer : EigenDriver::Mrrr;
     const EigenStatus status =
         driver == EigenDriver::Mrrr ? solveMrrr(wanted, request.vectors) : solveDivideAndConquer(request.vectors);
     if (status != EigenStatus::Ok) count_ = 0;

@@ -11,8 +11,10 @@
 //                    much faster than MRRR on blocks with many exactly
 //                    degenerate pairs (the time-reversal invariant crystal-field
 //                    blocks of Kramers ions).
-//   Automatic        Mrrr for an index range, DivideAndConquer for the whole
-//                    spectrum (measured in docs/performance.md).
+//   Automatic        DivideAndConquer for the whole spectrum of a real
+//                    matrix, Mrrr otherwise (an index range; complex matrices,
+//                    where zheevr beats zheevd with vectors): measured in
+//                    docs/performance.md.
 //
 // Input: the lower triangle of a square matrix (column-major). Output:
 // eigenvalues ascending; eigenvectors (when asked) as the columns of an n x m

@@ -1,5 +1,7 @@
 #include "core/number_format.hpp"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -23,14 +25,17 @@ struct Decimal {
 Decimal toDecimal15(double magnitude) {
     Decimal d;
     if (magnitude == 0.0) return d;
+    // "d.dddddddddddddde[+-]xx", correctly rounded like printf's %.14e.
     char buffer[64];
-    std::snprintf(buffer, sizeof buffer, "%.14e", magnitude);
-    // buffer: "d.dddddddddddddde[+-]xx"
-    std::string text(buffer);
+    const auto end = fmt::format_to_n(buffer, sizeof buffer - 1, "{:.14e}", magnitude).out;
+    const std::string_view text(buffer, static_cast<std::size_t>(end - buffer));
     const auto ePos = text.find('e');
+    d.digits.reserve(15);
     for (std::size_t i = 0; i < ePos; ++i)
         if (text[i] != '.') d.digits.push_back(text[i]);
-    d.pointPos = std::stoi(text.substr(ePos + 1)) + 1;
+    int exponent = 0;
+    for (std::size_t i = ePos + 2; i < text.size(); ++i) exponent = 10 * exponent + (text[i] - '0');
+    d.pointPos = (text[ePos + 1] == '-' ? -exponent : exponent) + 1;
     while (!d.digits.empty() && d.digits.back() == '0') d.digits.pop_back();
     return d;
 }

@@ -30,11 +30,13 @@ std::vector<int> projectionOffsets(const JBasis& basis) {
 // not depend on the rounding of the eigen solver.
 void finishLevel(ResultLevel& level, const ResultBasis& basis) {
     const auto magnitudeKey = [](double magnitude) { return std::llround(magnitude * 1e12); };
-    std::sort(level.components.begin(), level.components.end(),
-              [&](const LevelComponent& a, const LevelComponent& b) {
-                  const auto ka = magnitudeKey(std::abs(a.coefficient)), kb = magnitudeKey(std::abs(b.coefficient));
-                  return ka != kb ? ka > kb : a.basisIndex < b.basisIndex;
-              });
+    std::vector<std::pair<long long, LevelComponent>> keyed;
+    keyed.reserve(level.components.size());
+    for (const auto& component : level.components) keyed.emplace_back(magnitudeKey(std::abs(component.coefficient)), component);
+    std::sort(keyed.begin(), keyed.end(), [](const auto& a, const auto& b) {
+        return a.first != b.first ? a.first > b.first : a.second.basisIndex < b.second.basisIndex;
+    });
+    for (std::size_t i = 0; i < keyed.size(); ++i) level.components[i] = keyed[i].second;
     std::sort(level.multiplets.begin(), level.multiplets.end(),
               [&](const MultipletWeight& a, const MultipletWeight& b) {
                   const auto ka = magnitudeKey(a.weight), kb = magnitudeKey(b.weight);

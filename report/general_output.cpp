@@ -116,14 +116,19 @@ void writeStatevectors(LogBook& out, const std::string& heading, const std::vect
     out.appendLine(heading);
     const std::size_t stored =
         count <= 0 ? levels.size() : std::min(levels.size(), static_cast<std::size_t>(count));
+    std::vector<std::string> labels(basis.states.size());  // built once per basis state listed
+    std::string line;
     for (std::size_t i = 0; i < stored; ++i) {
         out.appendLine("Statevector: " + std::to_string(i + 1) + "  Energy = " + energyText(levels[i].energy + shift) +
                        "  " + levels[i].label);
         for (const auto& component : levels[i].components) {
-            std::string line = formatNumber(component.coefficient.real(), "#0.000000 ");
+            auto& label = labels[static_cast<std::size_t>(component.basisIndex)];
+            if (label.empty()) label = basisStateLabel(basis, component.basisIndex);
+            line = formatNumber(component.coefficient.real(), "#0.000000 ");
             if (component.coefficient.imag() != 0.0)
                 line += "+ i " + formatNumber(component.coefficient.imag(), "#0.000000 ");
-            out.appendLine(line + basisStateLabel(basis, component.basisIndex));
+            line += label;
+            out.appendLine(line);
         }
     }
 }
