@@ -1,5 +1,7 @@
 #include "engine/free_ion_weights.hpp"
 
+#include "engine/parameter_registry.hpp"
+
 #include "engine/engine_errors.hpp"
 #include "engine/other_free_ion.hpp"
 #include "engine/t2_correction.hpp"
@@ -8,11 +10,11 @@ namespace orvane {
 
 namespace {
 
-// Parameters whose operators change sign in the conjugate shell f^(14-n)
-// (Judd 1963, ch. 5; docs/engine.md "Conjugate configurations"); "T2" is not among them: its component
-// already carries the legacy rule of the actual configuration.
+// Free-ion parameters other than zeta whose operators change sign in the
+// conjugate shell (engine/parameter_registry.hpp).
 bool changesSignInConjugate(const std::string& name) {
-    return name == "T2'" || name == "T3" || name == "T4" || name == "T6" || name == "T7" || name == "T8";
+    const auto id = parameterIdOf(name);
+    return id && changesSignInConjugateShell(*id);
 }
 
 }  // namespace

@@ -20,14 +20,6 @@ using Complex = std::complex<double>;
 
 bool usesConjugate(const ModelSpec& spec) { return spec.electrons > 7 && spec.electrons < 14 && !spec.actualShell; }
 
-// Parameters whose operators change sign in the conjugate shell f^(14-n)
-// (Judd 1963, ch. 5: operators odd under the particle-hole exchange; the
-// legacy T2 carries its own rule inside its component, engine/free_ion.hpp).
-bool freeIonChangesSign(ParameterId id) {
-    using namespace parameter;
-    return id == kZeta || id == kT2Prime || id == kT3 || id == kT4 || id == kT6 || id == kT7 || id == kT8;
-}
-
 double phaseOfTwice(int twiceExponent) { return ((twiceExponent / 2) % 2 == 0) ? 1.0 : -1.0; }
 
 // The states of every residue block ordered by MJ, J block, place in the J block.
@@ -156,7 +148,7 @@ Model Model::fromTables(const ModelSpec& spec, EngineTables tables, const Correl
     for (const auto& component : freeIon.components) {
         const auto id = parameterIdOf(component.name);
         model.freeIonIds_.push_back(*id);
-        model.freeIonSigns_.push_back(model.conjugate_ && freeIonChangesSign(*id) ? -1.0 : 1.0);
+        model.freeIonSigns_.push_back(model.conjugate_ && changesSignInConjugateShell(*id) ? -1.0 : 1.0);
     }
     model.tables_ = std::make_shared<const EngineTables>(std::move(tables));
     model.freeIon_ = std::make_shared<const FreeIonOperators>(std::move(freeIon));
@@ -197,8 +189,7 @@ void Model::buildCrystalField(const CorrelationTermTensors& correlation) {
         CrystalFieldComponent component;
         component.reId = crystalFieldParameterId(key.op, key.k, key.q, false);
         component.imId = crystalFieldParameterId(key.op, key.k, key.q, true);
-        // U(k), k even, changes sign in the conjugate shell; the correlation operators keep theirs.
-        component.sign = conjugate_ && key.op == CrystalFieldOperator::Standard ? -1.0 : 1.0;
+        component.sign = routeSign(component.reId);
         for (const auto& block : residueForm) {
             component.real.emplace_back(crystalFieldBlockComponent(block, reduced, key, 1.0));
             if (spec_.complex && key.q > 0)
@@ -218,9 +209,7 @@ std::vector<ParameterId> Model::parameterIds() const {
 }
 
 double Model::routeSign(ParameterId id) const {
-    if (!conjugate_) return 1.0;
-    if (const auto part = crystalFieldPartOf(id)) return part->key.op == CrystalFieldOperator::Standard ? -1.0 : 1.0;
-    return freeIonChangesSign(id) ? -1.0 : 1.0;
+    return conjugate_ && changesSignInConjugateShell(id) ? -1.0 : 1.0;
 }
 
 void Model::fillFreeIonMatrices(const ParameterVector& parameters, std::vector<Eigen::MatrixXd>& out) const {

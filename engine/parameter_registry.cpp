@@ -65,6 +65,12 @@ std::optional<CrystalFieldPart> crystalFieldPartOf(ParameterId id) {
     return CrystalFieldPart{{k, q, kOperators[op]}, imaginary};
 }
 
+bool changesSignInConjugateShell(ParameterId id) {
+    using namespace parameter;
+    if (const auto part = crystalFieldPartOf(id)) return part->key.op == CrystalFieldOperator::Standard;
+    return id == kZeta || id == kT2Prime || id == kT3 || id == kT4 || id == kT6 || id == kT7 || id == kT8;
+}
+
 std::optional<ParameterInfo> parameterInfo(ParameterId id) {
     for (const auto& info : freeIonParameters())
         if (info.id == id) return info;

@@ -59,6 +59,13 @@ std::optional<ParameterInfo> parameterInfo(ParameterId id);
 // The id of a printed name ("ZETA", "B(4,3)", "ImB(6,6)", "M2", ...); std::nullopt if unknown.
 std::optional<ParameterId> parameterIdOf(std::string_view name);
 
+// True for the parameters whose operators change sign in the conjugate shell
+// f^(14-n) (Judd 1963, ch. 5: operators odd under particle-hole exchange):
+// zeta, T2', T3..T8 and B(k,q) of the crystal field proper. Judd's legacy T2
+// carries its own rule inside its component (engine/free_ion.hpp); the
+// correlation crystal fields keep their signs (docs/engine.md).
+bool changesSignInConjugateShell(ParameterId id);
+
 // The crystal-field key and part of a crystal-field id (std::nullopt for others).
 struct CrystalFieldPart {
     CrystalFieldKey key;
