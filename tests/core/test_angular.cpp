@@ -34,58 +34,6 @@ TEST(TriangleCoefficient, MatchesTheFactorialRatio) {
     EXPECT_EQ(TriangleCoefficient2(1, 1, 1), 0.0);  // half-integral sum
 }
 
-// Exact values (closed forms of Edmonds 1957, Tables 2 and 5; 9j by the 6j sum of section 6.4).
-TEST(WignerSymbols, ReproduceTheExactCheckValues) {
-    struct ThreeJCase {
-        double j1, j2, j3, m1, m2, m3, value;
-        const char* exact;
-    };
-    const ThreeJCase threeJs[] = {
-        {1, 1, 0, 1, -1, 0, 1.0 / kRoot3, "1/sqrt(3)"},
-        {3, 2, 3, 0, 0, 0, 2.0 * std::sqrt(105.0) / 105.0, "2 sqrt(105)/105"},
-        {3, 4, 3, 0, 0, 0, -std::sqrt(154.0) / 77.0, "-sqrt(154)/77"},
-        {3, 6, 3, 0, 0, 0, 10.0 * std::sqrt(3003.0) / 3003.0, "10 sqrt(3003)/3003"},
-        {3.5, 2, 3.5, -2.5, 0, 2.5, -std::sqrt(210.0) / 420.0, "-sqrt(210)/420"},
-        {3, 3, 2, 1, -3, 2, std::sqrt(42.0) / 42.0, "sqrt(42)/42"},
-    };
-    for (const auto& c : threeJs) {
-        EXPECT_NEAR(ThreeJ(c.j1, c.j2, c.j3, c.m1, c.m2, c.m3), c.value, 1e-14) << c.exact;
-        const auto twice = [](double x) { return static_cast<int>(std::lround(2 * x)); };
-        EXPECT_NEAR(ThreeJ2(twice(c.j1), twice(c.j2), twice(c.j3), twice(c.m1), twice(c.m2), twice(c.m3)),
-                    c.value, 1e-14)
-            << c.exact;
-    }
-    struct SixJCase {
-        double j[6];
-        double value;
-        const char* exact;
-    };
-    const SixJCase sixJs[] = {
-        {{3, 3, 2, 3, 3, 2}, 19.0 / 420.0, "19/420"},
-        {{5, 5, 1, 1, 1, 4}, -1.0 / std::sqrt(55.0), "-1/sqrt(55)"},
-        {{0.5, 0.5, 1, 1.5, 1.5, 1}, std::sqrt(10.0) / 12.0, "sqrt(10)/12"},
-        {{3, 6, 3, 3, 3, 3}, 1.0 / 42.0, "1/42"},
-    };
-    for (const auto& c : sixJs)
-        EXPECT_NEAR(SixJ(c.j[0], c.j[1], c.j[2], c.j[3], c.j[4], c.j[5]), c.value, 1e-14) << c.exact;
-    struct NineJCase {
-        double j[9];
-        double value;
-        const char* exact;
-    };
-    const NineJCase nineJs[] = {
-        {{0.5, 0.5, 1, 3, 3, 2, 3.5, 2.5, 2}, std::sqrt(10.0) / 120.0, "sqrt(10)/120"},
-        {{2, 2, 2, 2, 2, 2, 2, 2, 2}, 41.0 / 2450.0, "41/2450"},
-        {{1, 1, 1, 1, 1, 1, 1, 1, 1}, 0.0, "0"},
-        {{1, 1, 0, 0, 1, 1, 1, 0, 1}, 1.0 / 9.0, "1/9 (only x = 0 admissible)"},
-        {{0, 0, 0, 0, 0, 0, 0, 0, 0}, 1.0, "1"},
-        {{1, 1, 0, 1, 1, 0, 0, 0, 0}, 1.0 / 3.0, "1/3"},
-    };
-    for (const auto& c : nineJs)
-        EXPECT_NEAR(NineJ(c.j[0], c.j[1], c.j[2], c.j[3], c.j[4], c.j[5], c.j[6], c.j[7], c.j[8]), c.value, 1e-14)
-            << c.exact;
-}
-
 TEST(WignerSymbols, InvalidSymbolsAreZero) {
     struct Case {
         double j1, j2, j3, m1, m2, m3;
@@ -138,8 +86,6 @@ TEST(WignerSymbols, FactorialsBeyondTheTableThrow) {
         FAIL() << "the 6j returned a value";
     } catch (const FactorialRangeError& error) {
         EXPECT_EQ(error.argument(), 80);
-        EXPECT_NE(std::string(error.what()).find("6j symbol {20 20 20; 20 20 20}"), std::string::npos)
-            << error.what();
     }
     for (const int argument : {-1, 80}) EXPECT_THROW(Factorial(argument, "test symbol"), FactorialRangeError);
     // Largest triad sum whose Delta needs 79!: (26 26 26) sums to 78.

@@ -99,18 +99,12 @@ TEST(CorrelationCrystalField, ConjugateRouteKeepsTheSignsOfTheCorrelationParamet
 }
 
 TEST(CorrelationCrystalField, OrthogonalCorrelationTablesAreReadWhenPresent) {
-    // No g(2)10A table: refused with the file prompt text. A table g(4)10B.val holding the
+    // No g(2)10A table: refused. A table g(4)10B.val holding the
     // U(4) elements makes g(4,q) act as B(4,q) = g / c_4.
     const auto directory = test::scratchDirectory("engine_occf_tables");
     auto missing = ionSet(2, {}, 1);
     addSection(missing, CorrelationKind::OccfA, {bkq(2, 0, 100)});
-    try {
-        run(missing, false, false, directory);
-        FAIL() << "expected a UserError";
-    } catch (const UserError& error) {
-        EXPECT_NE(std::string(error.what()).find("GIVE FILE NAME FOR g(2)10A RME from"), std::string::npos)
-            << error.what();
-    }
+    EXPECT_THROW(run(missing, false, false, directory), UserError);
     run(ionSet(2, {}, 1), false, false, directory);  // makes the f2 tables there
     const auto unitTable = findCaseBlind(directory, "f2rmu4.val");
     ASSERT_TRUE(unitTable.has_value());
@@ -146,24 +140,6 @@ TEST(CorrelationCrystalField, DerivativesByCorrelationParametersMatchFiniteDiffe
             EXPECT_NEAR(derivatives.values(level, column), difference, 1e-4) << c.name << " level " << level;
         }
     }
-}
-
-TEST(CorrelationCrystalField, SectionsOfAParameterFileReachTheEngine) {
-    // A set written as ".par" text with "/ccf", "/sccf" and "/lccf" sections and read back
-    // gives the levels of the set itself, and different levels without the sections.
-    auto set = ionSet(3, {bkq(2, 0, -300), bkq(4, 4, 500), bkq(6, 2, -400)}, 2);
-    set.mainFreeIon[0].name = "EAVG";
-    addSection(set, CorrelationKind::Sccf, {bkq(2, 0, 120), bkq(4, 2, -90)});
-    addSection(set, CorrelationKind::Lccf, {bkq(6, 4, 9)});
-    const auto text = parameterFileText(set);
-    EXPECT_NE(text.find("/sccf"), std::string::npos);
-    const auto read = parseParameterText(text, "correlation.par");
-    ASSERT_EQ(read.correlationCF.size(), 2u);
-    const auto expected = run(set);
-    EXPECT_LT(largestDifference(run(read), expected, false), 1e-9);
-    auto without = read;
-    without.correlationCF.clear();
-    EXPECT_GT(largestDifference(run(without), expected, false), 1.0);
 }
 
 }  // namespace

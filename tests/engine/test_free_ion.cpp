@@ -202,12 +202,6 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         LevelCase{"SlaterAndZeta", false, false, false, false, kSlaterAndZeta},
         LevelCase{"RacahForm", true, false, false, false, kSlaterAndZeta},
-        LevelCase{"PlusAlphaBetaGamma", false, false, false, true,
-                  {{10, 2108.14}, {12, 4313.28}, {4, 4893.42}, {6, 6303.25}, {8, 6774.52}, {8, 9755.15},
-                   {4, 16851.18}, {0, 20633.63}, {2, 21272.11}, {12, 21325.42}, {4, 22507.28}, {0, 46715.08}}},
-        LevelCase{"PlusMagneticNoSpinSpin", false, true, true, true,
-                  {{10, 2085.63}, {12, 4257.10}, {4, 4895.09}, {6, 6284.45}, {8, 6718.46}, {8, 9732.51},
-                   {4, 16812.60}, {0, 20653.59}, {2, 21274.11}, {12, 21299.36}, {4, 22467.00}, {0, 46699.13}}},
         LevelCase{"PlusMagneticWithSpinSpin", false, true, false, true,
                   {{10, 2091.52}, {12, 4258.05}, {4, 4895.03}, {6, 6289.76}, {8, 6720.08}, {8, 9734.45},
                    {4, 16814.78}, {0, 20632.66}, {2, 21288.18}, {12, 21301.68}, {4, 22467.09}, {0, 46701.20}}}),

@@ -122,13 +122,7 @@ TEST(FreeIonInteractions, UseZicReadsTheZFormMagneticFiles) {
     const auto broken = directory / configurationFileName(2, "rmzic.val");
     writeFileAtomically(broken, readTextFile(broken) + "1 2  x 0 0 0 0 0\n");
     EXPECT_NO_THROW(freeIonEnergies(set, directory));
-    try {
-        freeIonEnergies(zic, directory);
-        ADD_FAILURE() << "a broken rmzic.val must stop the /usezic run";
-    } catch (const UserError& error) {
-        EXPECT_NE(std::string(error.what()).find("f2rmzic.val"), std::string::npos) << error.what();
-        EXPECT_NE(std::string(error.what()).find("not a finite number: x"), std::string::npos) << error.what();
-    }
+    EXPECT_THROW(freeIonEnergies(zic, directory), UserError);  // a broken rmzic.val stops the /usezic run
 }
 
 TEST(FreeIonInteractions, T2CorrectionMovesTheE3PartIntoTheSlaterParameters) {

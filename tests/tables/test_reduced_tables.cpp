@@ -70,21 +70,6 @@ TEST(ReducedTables, PublishedValuesOfF2) {
     EXPECT_NEAR(f2.unitTensor[0](p3, p3), 2.0 * std::sqrt(3.0 / 7.0), 1e-14);
 }
 
-TEST(ReducedTables, CoulombEnergiesOfF2) {
-    // Condon & Shortley 1935: coefficients of F_2, F_4, F_6 (f^k = D_k f_k) for the f2 terms.
-    struct Case { const char* label; double f2, f4, f6; };
-    const Case cases[] = {{"3P", 45, 33, -1287}, {"3F", -10, -33, -286}, {"3H", -25, -51, -13},
-                          {"1S", 60, 198, 1716}, {"1D", 19, -99, 715},   {"1G", -30, 97, 78},
-                          {"1I", 25, 9, 1}};
-    const auto& f2 = allConfigurationTables()[2];
-    for (const auto& c : cases) {
-        const int i = termIndex(f2, c.label);
-        EXPECT_NEAR(225.0 * f2.coulomb[0](i, i), c.f2, 1e-11) << c.label;
-        EXPECT_NEAR(1089.0 * f2.coulomb[1](i, i), c.f4, 1e-11) << c.label;
-        EXPECT_NEAR(184041.0 / 25.0 * f2.coulomb[2](i, i), c.f6, 1e-10) << c.label;
-    }
-}
-
 TEST(ReducedTables, ElectrostaticTracesOverTheFullSpace) {
     // Racah 1949 operators e1, e2, e3: Tr(e1^2), Tr(e2^2), Tr(e3^2) with [S][L] weights (computed check
     // values), cross traces 0.

@@ -1,4 +1,4 @@
-// Files of the table directory: state labels, coefficients of fractional
+// Files of the table directory: coefficients of fractional
 // parentage, reduced-matrix tables, case-blind lookup, on-demand generation,
 // the delivered data and the published-table reader.
 #include <algorithm>
@@ -22,16 +22,6 @@ namespace {
 
 using test::allConfigurationTables;
 using test::scratchDirectory;
-
-TEST(StateLabelFiles, CasimirValuesOfTheLabelTables) {
-    // Stored values of the label tables: W -> 5 G(R7), U -> 12 G(G2) (Racah 1949).
-    const std::pair<const char*, int> r7[] = {{"000", 0}, {"0", 0}, {"100", 3}, {"110", 5}, {"111", 6}, {"200", 7},
-                                              {"210", 9}, {"211", 10}, {"220", 12}, {"221", 13}, {"222", 15}};
-    for (const auto& [text, value] : r7) EXPECT_EQ(CasimirR7Value(text), value) << text;
-    const std::pair<const char*, int> g2[] = {{"00", 0}, {"0", 0}, {"10", 6}, {"11", 12}, {"20", 14}, {"21", 21},
-                                              {"22", 30}, {"30", 24}, {"31", 32}, {"40", 36}};
-    for (const auto& [text, value] : g2) EXPECT_EQ(CasimirG2Value(text), value) << text;
-}
 
 TEST(ParentageFiles, WrittenFileReadsBackExactly) {
     const auto& f3 = allConfigurationTables()[3];
@@ -89,8 +79,6 @@ TEST(TableDirectory, NamesResolveCaseBlind) {
     ASSERT_TRUE(found);
     EXPECT_EQ(found->filename().string(), "F3RMU2.VAL");
     EXPECT_FALSE(findCaseBlind(dir, "f3rmu4.val"));
-    EXPECT_EQ(tableFileName(TableOperator::V1, 1), "rmv11.val");
-    EXPECT_EQ(configurationFileName(12, tableFileName(TableOperator::F, 6)), "f12rmf6.val");
 }
 
 TEST(TableDirectory, FoundFromTheEnvironmentThenBesideTheProgram) {
