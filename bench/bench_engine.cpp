@@ -88,7 +88,7 @@ const Prepared& prepared(ParameterSet (*ion)()) {
         const auto set = ion();
         MemoryLogBook log;
         entry.model = std::make_unique<Model>(
-            Model::build(modelSpecOf(set, true, isComplex(set)), benchTableDirectory(), log));
+            Model::build(modelSetupOf(set, true, isComplex(set)), benchTableDirectory(), log));
         entry.parameters = parameterVectorOf(set, isComplex(set));
     }
     return entry;
@@ -99,7 +99,7 @@ void Build(benchmark::State& state, ParameterSet (*ion)()) {
     const auto set = ion();
     for (auto _ : state) {
         MemoryLogBook log;
-        auto model = Model::build(modelSpecOf(set, true, isComplex(set)), benchTableDirectory(), log);
+        auto model = Model::build(modelSetupOf(set, true, isComplex(set)), benchTableDirectory(), log);
         benchmark::DoNotOptimize(model.blocks().data());
     }
 }
@@ -127,7 +127,7 @@ void Diagonalise(benchmark::State& state, ParameterSet (*ion)(), bool vectors, E
         matrix.imag() = model->imaginaryBlockMatrix(b, parameters);
         blocks.push_back(std::move(matrix));
     }
-    const bool complex = model->spec().complex;
+    const bool complex = model->setup().complex;
     SymmetricEigenWorkspace real;
     HermitianEigenWorkspace hermitian;
     const EigenRequest request{vectors, kAllEigenvalues, driver};

@@ -104,9 +104,9 @@ EnergyLevelResult computeEnergyLevels(const ParameterSet& set, const std::filesy
     if (result.conjugate)
         log.appendLine(fmt::format("Conjugate configuration of {} used for reduced matrices & states!",
                                    result.tableElectrons));
-    const auto spec = modelSpecOf(set, options.crystalField, options.complex);
-    const Model model = Model::build(spec, tableDirectory, log);
-    logSpinSpinForm(spec.spinSpin, log);
+    const auto setup = modelSetupOf(set, options.crystalField, options.complex);
+    const Model model = Model::build(setup, tableDirectory, log);
+    logSpinSpinForm(setup.spinSpin, log);
     result.freeIonOperators = model.freeIonOperators();
     if (set.switches.minSpinMultiplicity)
         log.appendLine(fmt::format("Apply truncation of LS basis with min spin multiplicity = {}",

@@ -18,7 +18,7 @@ namespace {
 
 using Complex = std::complex<double>;
 
-bool usesConjugate(const ModelSpec& spec) { return spec.electrons > 7 && spec.electrons < 14 && !spec.actualShell; }
+bool usesConjugate(const ModelSetup& setup) { return setup.electrons > 7 && setup.electrons < 14 && !setup.actualShell; }
 
 double phaseOfTwice(int twiceExponent) { return ((twiceExponent / 2) % 2 == 0) ? 1.0 : -1.0; }
 
@@ -103,46 +103,46 @@ Vector timeReversed(const TimeReversal& map, const Vector& vector) {
 
 }  // namespace
 
-ModelSpec modelSpecOf(const ParameterSet& set, bool crystalField, bool complex) {
-    ModelSpec spec;
-    spec.electrons = set.electronCount;
-    spec.fold = set.fold;
-    spec.crystalField = crystalField;
-    spec.complex = complex;
-    spec.actualShell = set.switches.actualShell;
-    spec.minMultiplicity = set.switches.minSpinMultiplicity;
+ModelSetup modelSetupOf(const ParameterSet& set, bool crystalField, bool complex) {
+    ModelSetup setup;
+    setup.electrons = set.electronCount;
+    setup.fold = set.fold;
+    setup.crystalField = crystalField;
+    setup.complex = complex;
+    setup.actualShell = set.switches.actualShell;
+    setup.minMultiplicity = set.switches.minSpinMultiplicity;
     if (set.switches.noSpinSpin)
-        spec.spinSpin = SpinSpinForm::Dropped;
+        setup.spinSpin = SpinSpinForm::Dropped;
     else if (set.switches.wrongRankSpinSpin)
-        spec.spinSpin = SpinSpinForm::WrongRank1;
-    spec.magneticFiles = set.switches.useZic ? MagneticTableFiles::ZForm : MagneticTableFiles::Operators;
-    if (crystalField) spec.keys = crystalFieldParametersOf(set, false, complex).keys;
-    return spec;
+        setup.spinSpin = SpinSpinForm::WrongRank1;
+    setup.magneticFiles = set.switches.useZic ? MagneticTableFiles::ZForm : MagneticTableFiles::Operators;
+    if (crystalField) setup.keys = crystalFieldParametersOf(set, false, complex).keys;
+    return setup;
 }
 
-Model Model::build(const ModelSpec& spec, const std::filesystem::path& tableDirectory, LogBook& log) {
-    if (spec.electrons < 1 || spec.electrons > 14)
+Model Model::build(const ModelSetup& setup, const std::filesystem::path& tableDirectory, LogBook& log) {
+    if (setup.electrons < 1 || setup.electrons > 14)
         throw UserError(kRealEngineError,
-                        fmt::format("invalid number of f electrons: {} (1 to 14)", spec.electrons));
-    const int tableElectrons = usesConjugate(spec) ? 14 - spec.electrons : spec.electrons;
-    auto tables = loadEngineTables(tableElectrons, tableDirectory, log, spec.magneticFiles);
+                        fmt::format("invalid number of f electrons: {} (1 to 14)", setup.electrons));
+    const int tableElectrons = usesConjugate(setup) ? 14 - setup.electrons : setup.electrons;
+    auto tables = loadEngineTables(tableElectrons, tableDirectory, log, setup.magneticFiles);
     CorrelationTermTensors correlation;
-    if (spec.crystalField)
-        correlation = loadCorrelationTermTensors(spec.keys, tables, spec.electrons, tableDirectory, log);
-    return fromTables(spec, std::move(tables), correlation);
+    if (setup.crystalField)
+        correlation = loadCorrelationTermTensors(setup.keys, tables, setup.electrons, tableDirectory, log);
+    return fromTables(setup, std::move(tables), correlation);
 }
 
-Model Model::fromTables(const ModelSpec& spec, EngineTables tables, const CorrelationTermTensors& correlation) {
-    if (spec.fold < 1) throw UserError(kRealEngineError, fmt::format("invalid fold of symmetry: {}", spec.fold));
-    if (!keysFitFold(spec.keys, spec.fold))
+Model Model::fromTables(const ModelSetup& setup, EngineTables tables, const CorrelationTermTensors& correlation) {
+    if (setup.fold < 1) throw UserError(kRealEngineError, fmt::format("invalid fold of symmetry: {}", setup.fold));
+    if (!keysFitFold(setup.keys, setup.fold))
         throw UserError(kCfHamiltonianError, "a crystal-field parameter has q not a multiple of the fold");
     Model model;
-    model.spec_ = spec;
-    model.conjugate_ = usesConjugate(spec);
+    model.setup_ = setup;
+    model.conjugate_ = usesConjugate(setup);
     FreeIonBuildOptions options;
-    options.minMultiplicity = spec.minMultiplicity;
-    options.electrons = spec.electrons;
-    options.spinSpin = spec.spinSpin;
+    options.minMultiplicity = setup.minMultiplicity;
+    options.electrons = setup.electrons;
+    options.spinSpin = setup.spinSpin;
     auto freeIon = buildFreeIonOperators(tables, options);
     if (freeIon.basis.states.empty()) throw UserError(kRealEngineError, "no |SLJ> state is left in the basis");
     for (const auto& component : freeIon.components) {
@@ -153,13 +153,13 @@ Model Model::fromTables(const ModelSpec& spec, EngineTables tables, const Correl
     model.tables_ = std::make_shared<const EngineTables>(std::move(tables));
     model.freeIon_ = std::make_shared<const FreeIonOperators>(std::move(freeIon));
     model.correlation_ = correlation;
-    if (spec.crystalField) model.buildCrystalField(correlation);
+    if (setup.crystalField) model.buildCrystalField(correlation);
     return model;
 }
 
 void Model::buildCrystalField(const CorrelationTermTensors& correlation) {
     const auto& basis = freeIon_->basis;
-    blocks_ = modelBlocks(basis, spec_.fold, spec_.electrons);
+    blocks_ = modelBlocks(basis, setup_.fold, setup_.electrons);
     std::vector<int> jBlockOf(basis.states.size()), placeInJBlock(basis.states.size());
     for (int jb = 0; jb < static_cast<int>(basis.blocks.size()); ++jb)
         for (int i = 0; i < static_cast<int>(basis.blocks[jb].states.size()); ++i) {
@@ -178,7 +178,7 @@ void Model::buildCrystalField(const CorrelationTermTensors& correlation) {
     std::vector<ResidueBlock> residueForm;
     for (const auto& block : blocks_) residueForm.push_back(residueBlockOf(block));
     std::map<std::pair<CrystalFieldOperator, int>, Eigen::MatrixXd> inJ;  // per operator and rank
-    for (const auto& key : spec_.keys) {
+    for (const auto& key : setup_.keys) {
         const int kIndex = key.k / 2 - 1;
         auto& reduced = inJ[{key.op, key.k}];
         if (reduced.size() == 0) {
@@ -192,7 +192,7 @@ void Model::buildCrystalField(const CorrelationTermTensors& correlation) {
         component.sign = routeSign(component.reId);
         for (const auto& block : residueForm) {
             component.real.emplace_back(crystalFieldBlockComponent(block, reduced, key, 1.0));
-            if (spec_.complex && key.q > 0)
+            if (setup_.complex && key.q > 0)
                 component.imaginary.emplace_back(crystalFieldBlockComponent(block, reduced, key, -1.0));
         }
         crystalField_.push_back(std::move(component));
@@ -311,7 +311,7 @@ ModelSolution Model::solve(const ParameterVector& parameters, const SolveRequest
                            ModelWorkspace& workspace) const {
     ModelSolution solution;
     fillFreeIonMatrices(parameters, workspace.freeIon);
-    const bool freeIonOnly = !spec_.crystalField;
+    const bool freeIonOnly = !setup_.crystalField;
     if (request.freeIon || freeIonOnly) {
         for (std::size_t b = 0; b < workspace.freeIon.size(); ++b) {
             const auto n = static_cast<int>(workspace.freeIon[b].rows());
@@ -379,7 +379,7 @@ ModelSolution Model::solve(const ParameterVector& parameters, const SolveRequest
             return status;
         };
         EigenStatus status;
-        if (spec_.complex) {
+        if (setup_.complex) {
             fillBlock<Complex>(b, workspace.freeIon, parameters, workspace.complex.matrix(n));
             status = collect(workspace.complex, [](ModelLevel& level, const auto& v) {
                 level.complexVector = v;

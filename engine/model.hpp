@@ -49,7 +49,7 @@
 namespace orvane {
 
 // What the model is built for.
-struct ModelSpec {
+struct ModelSetup {
     int electrons = 0;            // n of f^n, 1..14
     int fold = 1;                 // of the site's main axis
     bool crystalField = true;     // false: free ion only
@@ -61,8 +61,8 @@ struct ModelSpec {
     std::vector<CrystalFieldKey> keys;  // crystal-field operators in use (q a multiple of the fold)
 };
 
-// The spec of a parameter file's run: its switches, fold and crystal-field keys.
-ModelSpec modelSpecOf(const ParameterSet& set, bool crystalField, bool complex);
+// The setup of a parameter file's run: its switches, fold and crystal-field keys.
+ModelSetup modelSetupOf(const ParameterSet& set, bool crystalField, bool complex);
 
 struct SolveRequest {
     bool freeIon = false;      // also the free-ion levels (always when the model has no crystal field)
@@ -110,16 +110,16 @@ public:
     // Reads the tables of the configuration (once) from the table directory,
     // generating them there or in the per-user cache when missing, and builds
     // every component. Throws UserError naming a missing or malformed table.
-    static Model build(const ModelSpec& spec, const std::filesystem::path& tableDirectory, LogBook& log);
+    static Model build(const ModelSetup& setup, const std::filesystem::path& tableDirectory, LogBook& log);
     // From tables already in memory (tests, generated configurations).
-    static Model fromTables(const ModelSpec& spec, EngineTables tables, const CorrelationTermTensors& correlation = {});
+    static Model fromTables(const ModelSetup& setup, EngineTables tables, const CorrelationTermTensors& correlation = {});
 
     // No file access; allocates only what the result holds and what the
     // workspace needs on its first use.
     ModelSolution solve(const ParameterVector& parameters, const SolveRequest& request,
                         ModelWorkspace& workspace) const;
 
-    const ModelSpec& spec() const { return spec_; }
+    const ModelSetup& setup() const { return setup_; }
     bool conjugate() const { return conjugate_; }
     int tableElectrons() const { return tables_->electrons; }
     const EngineTables& tables() const { return *tables_; }
@@ -152,7 +152,7 @@ private:
         std::vector<Eigen::SparseMatrix<double, Eigen::RowMajor>> real, imaginary;  // per block
     };
 
-    ModelSpec spec_;
+    ModelSetup setup_;
     bool conjugate_ = false;
     std::shared_ptr<const EngineTables> tables_;
     std::shared_ptr<const FreeIonOperators> freeIon_;

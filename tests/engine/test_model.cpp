@@ -14,9 +14,9 @@ namespace {
 using test::bkq;
 
 Model modelOf(const ParameterSet& set, bool complex) {
-    const auto spec = modelSpecOf(set, true, complex);
+    const auto setup = modelSetupOf(set, true, complex);
     const int tableElectrons = set.electronCount > 7 ? 14 - set.electronCount : set.electronCount;
-    return Model::fromTables(spec, test::inMemoryTables(tableElectrons));
+    return Model::fromTables(setup, test::inMemoryTables(tableElectrons));
 }
 
 struct DerivativeCase {
