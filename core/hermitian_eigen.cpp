@@ -11,6 +11,7 @@
 #include <fmt/format.h>
 
 #include "core/atomic_file.hpp"
+#include "core/eigen_solver.hpp"
 #include "core/lapack.hpp"
 #include "core/number_format.hpp"
 #include "core/user_error.hpp"
@@ -81,14 +82,6 @@ TridiagonalReduction reduceToTridiagonal(Eigen::MatrixXcd matrix) {
     return reduction;
 }
 
-// Eigenvalues of the tridiagonal matrix, ascending, in `diagonal`; LAPACK's info.
-int tridiagonalEigenvalues(TridiagonalReduction& reduction) {
-    const int n = static_cast<int>(reduction.diagonal.size());
-    int info = 0;
-    dsterf_(&n, reduction.diagonal.data(), reduction.offDiagonal.data(), &info);
-    return info;
-}
-
 // Eigenvalues (ascending, in `diagonal`) and eigenvectors of the tridiagonal
 // matrix by divide and conquer. The real n x n vectors are computed into the
 // front half of the complex n x n array `vectors` (allocated here) and spread
@@ -122,20 +115,6 @@ int tridiagonalEigenpairs(TridiagonalReduction& reduction, Eigen::MatrixXcd& vec
     for (std::size_t k = static_cast<std::size_t>(n) * static_cast<std::size_t>(n); k-- > 0;)
         complexPart[k] = Complex(realPart[k], 0.0);
     return 0;
-}
-
-// vectors := Q vectors with the reflectors held in memory (LAPACK zunmtr).
-void applyReflectorsInMemory(const TridiagonalReduction& reduction, Eigen::MatrixXcd& vectors) {
-    const int n = static_cast<int>(vectors.rows());
-    int info = 0;
-    int lwork = -1;
-    Complex workSize;
-    zunmtr_("L", "U", "N", &n, &n, reduction.reflectors.data(), &n, reduction.tau.data(),
-            vectors.data(), &n, &workSize, &lwork, &info, 1, 1, 1);
-    lwork = std::max(1, static_cast<int>(workSize.real()));
-    std::vector<Complex> work(paddedLength(lwork, n));
-    zunmtr_("L", "U", "N", &n, &n, reduction.reflectors.data(), &n, reduction.tau.data(),
-            vectors.data(), &n, work.data(), &lwork, &info, 1, 1, 1);
 }
 
 // Removes the scratch file when the run leaves the scope, finished or not.
@@ -322,16 +301,12 @@ HermitianEigenResult HermitianEigen(Eigen::MatrixXd packed, int mode, std::strin
     const int n = static_cast<int>(packed.rows());
     if (n == 0) return result;
 
-    Eigen::MatrixXcd upper = upperTriangleForLapack(packed);
-    releaseMemory(packed);
-    TridiagonalReduction reduction = reduceToTridiagonal(std::move(upper));
-
     const bool wantVectors = mode < kEigenValuesOnly;
     int info = 0;
-    if (!wantVectors) {
-        releaseMemory(reduction.reflectors);
-        info = tridiagonalEigenvalues(reduction);
-    } else if (n > options.diskThreshold) {
+    if (wantVectors && n > options.diskThreshold) {
+        Eigen::MatrixXcd upper = upperTriangleForLapack(packed);
+        releaseMemory(packed);
+        TridiagonalReduction reduction = reduceToTridiagonal(std::move(upper));
         const ScratchFileGuard scratch(scratchPath(options));
         writeScratchFile(scratch.path(), reduction.reflectors);
         releaseMemory(reduction.reflectors);  // before the eigenvector array exists
@@ -339,11 +314,25 @@ HermitianEigenResult HermitianEigen(Eigen::MatrixXd packed, int mode, std::strin
         if (options.afterScratchWritten) options.afterScratchWritten(scratch.path());
         info = tridiagonalEigenpairs(reduction, result.eigenvectors);
         if (info == 0) applyReflectorsFromFile(scratch.path(), reduction.tau, result.eigenvectors);
+        result.eigenvalues = std::move(reduction.diagonal);
     } else {
-        info = tridiagonalEigenpairs(reduction, result.eigenvectors);
-        if (info == 0) applyReflectorsInMemory(reduction, result.eigenvectors);
+        // In memory: the engine's solver (divide and conquer, as the steps above).
+        HermitianEigenWorkspace workspace;
+        auto lower = workspace.matrix(n);
+        for (int k = 0; k < n; ++k) {
+            lower(k, k) = Complex(packed(k, k), 0.0);
+            for (int i = k + 1; i < n; ++i) lower(i, k) = Complex(packed(i, k), packed(k, i));
+        }
+        releaseMemory(packed);
+        const auto status = workspace.solve({wantVectors, kAllEigenvalues, EigenDriver::DivideAndConquer});
+        if (status == EigenStatus::LapackError || status == EigenStatus::InvalidInput) {
+            result.status = HermitianEigenStatus::InvalidInput;
+            return result;
+        }
+        info = status == EigenStatus::NoConvergence ? workspace.lapackInfo() : 0;
+        result.eigenvalues = workspace.values();
+        if (wantVectors && info == 0) result.eigenvectors = workspace.vectors();
     }
-    result.eigenvalues = std::move(reduction.diagonal);
 
     if (info != 0) {
         result.status = HermitianEigenStatus::NoConvergence;

@@ -7,11 +7,13 @@
 //   the diagonal), A(i, i) = H(i, i) (real).
 // packHermitian/unpackHermitian convert between this array and a complex matrix.
 //
-// The work is LAPACK's, done in separate steps: zhetrd reduces H to a real
-// symmetric tridiagonal T = Q^H H Q by Householder reflectors, dstedc (vectors)
-// or dsterf (values only) solves T, and the back-transformation Q Z gives the
-// complex eigenvectors. Eigenvalues come out in ascending order, each column of
-// `eigenvectors` belonging to the eigenvalue of the same index.
+// In memory the work is the engine's eigen solver (core/eigen_solver.hpp,
+// divide and conquer: zheevd reduces H to a real symmetric tridiagonal
+// T = Q^H H Q by Householder reflectors, solves T by dstedc, or dsterf for
+// values only, and back-transforms). The disk mode below does the same steps
+// one by one, so that the reflectors can wait on disk. Eigenvalues come out in
+// ascending order, each column of `eigenvectors` belonging to the eigenvalue of
+// the same index.
 //
 // Output type: the eigenvectors are an n x n complex matrix (Eigen::MatrixXcd,
 // column-major), which holds the same numbers as an n x n x 2 array of real

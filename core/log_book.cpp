@@ -8,6 +8,16 @@ namespace orvane {
 
 bool isPrintedEvent(const LogEvent& event) { return event.kind != LogEventKind::Progress; }
 
+void LogBook::appendBlock(std::string_view lines, LogCategory category) {
+    for (std::size_t start = 0;;) {
+        const auto end = lines.find('\n', start);
+        appendLine(lines.substr(start, end == std::string_view::npos ? std::string_view::npos : end - start),
+                   category);
+        if (end == std::string_view::npos) return;
+        start = end + 1;
+    }
+}
+
 void MemoryLogBook::record(const LogEvent& event) {
     events_.push_back(event);
     if (isPrintedEvent(event)) lines_.push_back(event.text);

@@ -42,6 +42,10 @@ public:
     void appendLine(std::string_view line, LogCategory category = LogCategory::General) {
         record({LogEventKind::Line, category, std::string(line), 0, 0});
     }
+    // Several lines at once, separated by '\n' (no final break). A log book
+    // that writes a stream may take them in one piece; by default each line
+    // is recorded on its own.
+    virtual void appendBlock(std::string_view lines, LogCategory category = LogCategory::General);
     void warn(LogCategory category, std::string_view text) {
         record({LogEventKind::Warning, category, std::string(text), 0, 0});
     }

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -322,6 +323,96 @@ std::string formatNumber(double value, std::string_view picture) {
     }
     const bool autoMinus = negative && !roundForSection(sections[0], magnitude).digits.empty();
     return formatSection(sections[0], magnitude, autoMinus);
+}
+
+namespace {
+
+constexpr double kPowersOfTen[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12};
+
+// A plain column picture: `blanks` leading blanks, `optional` '#', `forced`
+// '0' (at least one), '.', `decimals` '0', then a literal tail.
+struct PlainPicture {
+    int blanks = 0, optional = 0, forced = 0, decimals = 0;
+    std::string_view tail;
+};
+
+std::optional<PlainPicture> plainPictureOf(std::string_view picture) {
+    PlainPicture plain;
+    std::size_t i = 0;
+    const auto count = [&](char c) {
+        int k = 0;
+        for (; i < picture.size() && picture[i] == c; ++i) ++k;
+        return k;
+    };
+    plain.blanks = count(' ');
+    plain.optional = count('#');
+    plain.forced = count('0');
+    if (plain.forced == 0 || i >= picture.size() || picture[i] != '.') return std::nullopt;
+    ++i;
+    plain.decimals = count('0');
+    if (plain.decimals == 0 || plain.decimals > 9) return std::nullopt;
+    plain.tail = picture.substr(i);
+    for (char c : plain.tail)
+        if (isDigitPlaceholder(c) || c == '.' || c == ';' || c == 'e' || c == 'E') return std::nullopt;
+    return plain;
+}
+
+// |value| * 10^decimals rounded half away from zero, when it is below `limit`
+// and no rounding half lies within 1e-5 of it. The product is exact to half an
+// ulp (< 1e-6 below 1e10); below 1e9 the 15-significant-digit rule of
+// formatNumber moves it by < 5e-6, so it cannot cross the half either.
+std::optional<long long> scaledUnits(double magnitude, int decimals, double limit) {
+    const double scaled = magnitude * kPowersOfTen[decimals];
+    if (!(scaled < limit)) return std::nullopt;
+    const double fraction = scaled - std::floor(scaled);
+    if (std::fabs(fraction - 0.5) < 1e-5) return std::nullopt;
+    return static_cast<long long>(fraction > 0.5 ? std::ceil(scaled) : std::floor(scaled));
+}
+
+void appendDecimals(std::string& out, long long units, int decimals) {
+    char digits[24];
+    const long long divisor = static_cast<long long>(kPowersOfTen[decimals]);
+    const fmt::format_int integerPart(units / divisor);
+    out.append(integerPart.data(), integerPart.size());
+    out.push_back('.');
+    auto fraction = units % divisor;
+    for (int d = decimals - 1; d >= 0; --d, fraction /= 10) digits[d] = static_cast<char>('0' + fraction % 10);
+    out.append(digits, static_cast<std::size_t>(decimals));
+}
+
+}  // namespace
+
+void appendNumber(std::string& out, double value, std::string_view picture) {
+    const auto plain = std::isfinite(value) ? plainPictureOf(picture) : std::nullopt;
+    const auto units = plain ? scaledUnits(std::fabs(value), plain->decimals, 1e9) : std::nullopt;
+    if (!units) {
+        out += formatNumber(value, picture);
+        return;
+    }
+    const long long divisor = static_cast<long long>(kPowersOfTen[plain->decimals]);
+    const int integerDigits = static_cast<int>(fmt::format_int(*units / divisor).size());
+    const int digits = std::max(integerDigits, plain->forced);
+    const int padding = plain->blanks + std::max(0, plain->optional + plain->forced - digits);
+    out.append(static_cast<std::size_t>(padding), ' ');
+    if (value < 0 && *units != 0) {  // the sign takes the place of the last padding blank
+        if (padding > 0) out.back() = '-';
+        else out.push_back('-');
+    }
+    out.append(static_cast<std::size_t>(digits - integerDigits), '0');
+    appendDecimals(out, *units, plain->decimals);
+    out += plain->tail;
+}
+
+void appendFixed(std::string& out, double value, int decimals) {
+    const auto units = std::isfinite(value) && decimals >= 1 && decimals <= 12
+                           ? scaledUnits(std::fabs(value), decimals, 1e10)
+                           : std::nullopt;
+    if (!units) {
+        out += fmt::format("{:.{}f}", value, decimals);
+        return;
+    }
+    if (std::signbit(value)) out.push_back('-');
+    appendDecimals(out, *units, decimals);
 }
 
 std::string generalNumber(double value) {

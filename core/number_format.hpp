@@ -39,6 +39,18 @@ namespace orvane {
 
 std::string formatNumber(double value, std::string_view picture);
 
+// Appends formatNumber(value, picture) to `out`. Result files print millions
+// of numbers in a few plain column pictures (blanks, '#', '0', '.', '0's and a
+// literal tail, e.g. "#0.000000 "); those are rendered from an integer count
+// of the last decimal place, and values within 1e-5 of a rounding half (where
+// the 15-digit rule decides) and every other picture go through formatNumber.
+void appendNumber(std::string& out, double value, std::string_view picture);
+
+// Appends the value with `decimals` places, correctly rounded like
+// printf's "%.*f" (round half to even on the exact binary value); the fast
+// path serves |value| * 10^decimals < 1e10 away from a rounding half.
+void appendFixed(std::string& out, double value, int decimals);
+
 // The runtime's general number-to-text form (classic BASIC's Str$): up to 15
 // significant digits, no trailing zeros, no zero before the decimal point, a
 // leading blank for non-negative values (the place of the minus sign), and E

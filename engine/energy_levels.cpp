@@ -105,7 +105,8 @@ EnergyLevelResult computeEnergyLevels(const ParameterSet& set, const std::filesy
         log.appendLine(fmt::format("Conjugate configuration of {} used for reduced matrices & states!",
                                    result.tableElectrons));
     const auto setup = modelSetupOf(set, options.crystalField, options.complex);
-    const Model model = Model::build(setup, tableDirectory, log);
+    result.model = std::make_shared<const Model>(Model::build(setup, tableDirectory, log));
+    const Model& model = *result.model;
     logSpinSpinForm(setup.spinSpin, log);
     result.freeIonOperators = model.freeIonOperators();
     if (set.switches.minSpinMultiplicity)
@@ -147,19 +148,20 @@ EnergyLevelResult computeEnergyLevels(const ParameterSet& set, const std::filesy
                 log.appendLine(line);
     }
     std::vector<std::vector<int>> offsets;
-    if (options.wantVectors)
+    if (options.wantVectors && options.levelBasisVectors)
         for (std::size_t b = 0; b < operators.blocks.size(); ++b)
             offsets.push_back(patchOffsets(model, b, operators.blocks[b], result.freeIon));
-    for (auto& level : solution.levels) {
+    for (const auto& level : solution.levels) {
         CrystalFieldLevel converted{level.energy, level.block, {}, {}};
         const auto b = static_cast<std::size_t>(level.block);
-        if (level.vector.size() > 0)
+        if (!offsets.empty() && level.vector.size() > 0)
             converted.vector = onFreeIonLevels(offsets[b], operators.blocks[b], result.freeIon, level.vector);
-        if (level.complexVector.size() > 0)
+        if (!offsets.empty() && level.complexVector.size() > 0)
             converted.complexVector =
                 onFreeIonLevels(offsets[b], operators.blocks[b], result.freeIon, level.complexVector);
         result.crystalField.levels.push_back(std::move(converted));
     }
+    if (options.wantVectors) result.modelLevels = std::move(solution.levels);
     return result;
 }
 

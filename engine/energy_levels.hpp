@@ -17,6 +17,7 @@
 // `parametersNotIncluded` when non-zero and logged (every free-ion parameter
 // now has its operator).
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -26,6 +27,7 @@
 #include "engine/crystal_field_parameters.hpp"
 #include "engine/free_ion.hpp"
 #include "engine/free_ion_weights.hpp"
+#include "engine/model.hpp"
 #include "engine/parameter_set.hpp"
 
 namespace orvane {
@@ -35,6 +37,10 @@ struct EnergyLevelOptions {
     bool wantVectors = false;
     bool complex = false;  // Hermitian blocks with Im B(k,q) (zheevr) instead of real ones
     int lowest = kAllEigenvalues;  // only the lowest m crystal-field levels (index range per block)
+    // With wantVectors: also carry the vectors onto the |a J MJ> states of the
+    // free-ion levels (CrystalFieldLevel::vector). Reports need only the
+    // model's |SL J MJ> vectors and switch this off.
+    bool levelBasisVectors = true;
 };
 
 struct EnergyLevelResult {
@@ -52,6 +58,10 @@ struct EnergyLevelResult {
     CrystalFieldOperators crystalFieldOperators;
     // Levels with their vectors over the |a J MJ> states of those blocks.
     CrystalFieldSolution crystalField;       // empty when the crystal field was not asked
+    // The prepared model of the run and its crystal-field levels with the
+    // vectors over the model's |SL J MJ> blocks (when vectors were asked).
+    std::shared_ptr<const Model> model;
+    std::vector<ModelLevel> modelLevels;
     std::vector<std::string> parametersNotIncluded;
 };
 

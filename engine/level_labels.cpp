@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
-
-#include <Eigen/Sparse>
+#include <cstdint>
 
 #include "core/number_format.hpp"
 
@@ -23,32 +22,44 @@ std::vector<int> projectionOffsets(const JBasis& basis) {
     return offsets;
 }
 
+// Orders items by decreasing magnitude, taken to 1e-12, then by increasing
+// index (unique within the list): magnitudes equal to 1e-12 (the partners M
+// and -M of a state, equal by symmetry but not to the last bit) keep basis
+// order, so listings do not depend on the rounding of the eigen solver. Each
+// item gets one 64-bit key, the complement of its rounded magnitude above 23
+// bits of index, so the sort compares integers; `byIndex` is scratch space.
+template <typename Item, typename MagnitudeOf, typename IndexOf>
+void sortByMagnitude(std::vector<Item>& items, MagnitudeOf magnitudeOf, IndexOf indexOf, std::vector<Item>& byIndex) {
+    constexpr int kIndexBits = 23;
+    constexpr std::uint64_t kLargest = (std::uint64_t{1} << (64 - kIndexBits)) - 1;
+    std::vector<std::uint64_t> keys;
+    keys.reserve(items.size());
+    for (const auto& item : items) {
+        const auto index = static_cast<std::uint64_t>(indexOf(item));
+        const auto rounded = std::min<std::uint64_t>(static_cast<std::uint64_t>(std::llround(magnitudeOf(item) * 1e12)), kLargest);
+        keys.push_back(((kLargest - rounded) << kIndexBits) | index);
+        if (byIndex.size() <= index) byIndex.resize(index + 1);
+        byIndex[index] = item;
+    }
+    std::sort(keys.begin(), keys.end());
+    for (std::size_t i = 0; i < keys.size(); ++i) items[i] = byIndex[keys[i] & ((std::uint64_t{1} << kIndexBits) - 1)];
+}
+
 // Sorts the components by decreasing |c| and the multiplet weights by
 // decreasing weight, then fills label, J and the mixing flag.
-// Magnitudes equal to 1e-12 (the partners M and -M of a state, equal by
-// symmetry but not to the last bit) sort by basis order, so the listing does
-// not depend on the rounding of the eigen solver.
 void finishLevel(ResultLevel& level, const ResultBasis& basis) {
-    const auto magnitudeKey = [](double magnitude) { return std::llround(magnitude * 1e12); };
-    std::vector<std::pair<long long, LevelComponent>> keyed;
-    keyed.reserve(level.components.size());
-    for (const auto& component : level.components) keyed.emplace_back(magnitudeKey(std::abs(component.coefficient)), component);
-    std::sort(keyed.begin(), keyed.end(), [](const auto& a, const auto& b) {
-        return a.first != b.first ? a.first > b.first : a.second.basisIndex < b.second.basisIndex;
-    });
-    for (std::size_t i = 0; i < keyed.size(); ++i) level.components[i] = keyed[i].second;
-    std::sort(level.multiplets.begin(), level.multiplets.end(),
-              [&](const MultipletWeight& a, const MultipletWeight& b) {
-                  const auto ka = magnitudeKey(a.weight), kb = magnitudeKey(b.weight);
-                  return ka != kb ? ka > kb : a.jState < b.jState;
-              });
+    thread_local std::vector<LevelComponent> componentsByIndex;
+    thread_local std::vector<MultipletWeight> multipletsByIndex;
+    sortByMagnitude(
+        level.components, [](const LevelComponent& c) { return std::abs(c.coefficient); },
+        [](const LevelComponent& c) { return c.basisIndex; }, componentsByIndex);
+    sortByMagnitude(
+        level.multiplets, [](const MultipletWeight& m) { return m.weight; },
+        [](const MultipletWeight& m) { return m.jState; }, multipletsByIndex);
     if (level.multiplets.empty()) return;
-    const int jState = level.multiplets.front().jState;
-    const auto found = std::find_if(basis.states.begin(), basis.states.end(),
-                                    [jState](const ResultBasisState& s) { return s.jState == jState; });
-    if (found == basis.states.end()) return;
-    level.twiceJ = found->twiceJ;
-    level.label = multipletLabel(basis.termLabels[found->term], found->twiceJ);
+    const auto& found = basis.states[static_cast<std::size_t>(basis.firstOfJState[level.multiplets.front().jState])];
+    level.twiceJ = found.twiceJ;
+    level.label = multipletLabel(basis.termLabels[found.term], found.twiceJ);
     level.mixed = level.multiplets.size() > 1 && level.multiplets[1].weight > kMixingShare;
 }
 
@@ -86,8 +97,10 @@ int twiceCrystalQuantumNumber(int residue, int fold) {
 ResultBasis freeIonResultBasis(const std::vector<EngineTerm>& terms, const JBasis& basis) {
     ResultBasis result;
     for (const auto& term : terms) result.termLabels.push_back(term.label);
-    for (int s = 0; s < static_cast<int>(basis.states.size()); ++s)
+    for (int s = 0; s < static_cast<int>(basis.states.size()); ++s) {
+        result.firstOfJState.push_back(static_cast<int>(result.states.size()));
         result.states.push_back({s, basis.states[s].term, basis.states[s].twiceJ, 0});
+    }
     return result;
 }
 
@@ -97,6 +110,7 @@ ResultBasis crystalFieldResultBasis(const std::vector<EngineTerm>& terms, const 
     for (const auto& term : terms) result.termLabels.push_back(term.label);
     for (int s = 0; s < static_cast<int>(basis.states.size()); ++s) {
         const auto& state = basis.states[s];
+        result.firstOfJState.push_back(static_cast<int>(result.states.size()));
         for (int twiceM = -state.twiceJ; twiceM <= state.twiceJ; twiceM += 2)
             result.states.push_back({s, state.term, state.twiceJ, twiceM});
     }
@@ -127,95 +141,55 @@ std::vector<ResultLevel> freeIonResultLevels(const EnergyLevelResult& result, co
 
 namespace {
 
-// Carries the eigenvectors of one block onto |SL J MJ>: X = T V with
-// T(row, i) = v_a(s) for block state i = |a J MJ> and row = |s J MJ>.
-template <typename Sparse, typename Matrix>
-void projectBlock(const Sparse& transform, const Matrix& vectors,
-                  const std::vector<int>& rowBasisIndex, const std::vector<int>& levelIndices,
-                  const ResultBasis& basis, double minComponent, std::vector<double>& multipletWeight,
-                  std::vector<ResultLevel>& levels) {
-    const Matrix projected = transform * vectors;
-    for (int column = 0; column < static_cast<int>(levelIndices.size()); ++column) {
-        auto& level = levels[levelIndices[column]];
-        std::vector<int> touched;
-        for (int row = 0; row < projected.rows(); ++row) {
-            const std::complex<double> c = projected(row, column);
-            const double weight = std::norm(c);
-            if (weight == 0.0) continue;
-            const int index = rowBasisIndex[row];
-            const int jState = basis.states[index].jState;
-            if (multipletWeight[jState] == 0.0) touched.push_back(jState);
-            multipletWeight[jState] += weight;
-            if (std::abs(c) >= minComponent) level.components.push_back({index, c});
-        }
-        for (int jState : touched) {
-            level.multiplets.push_back({jState, multipletWeight[jState]});
-            multipletWeight[jState] = 0.0;
-        }
+// Components and multiplet weights of one model level: the vector lists the
+// |SL J MJ> states of its block (engine/model.hpp), so each entry is one
+// component; the weight of |SL J> sums |c|^2 over MJ.
+template <typename Vector>
+void collectComponents(const Vector& vector, const std::vector<ModelState>& states, const std::vector<int>& offsets,
+                       double minComponent, std::vector<double>& multipletWeight, std::vector<int>& touched,
+                       ResultLevel& level) {
+    for (int i = 0; i < static_cast<int>(states.size()); ++i) {
+        const std::complex<double> c = vector(i);
+        const double weight = std::norm(c);
+        if (weight == 0.0) continue;
+        const auto& state = states[static_cast<std::size_t>(i)];
+        if (multipletWeight[state.jState] == 0.0) touched.push_back(state.jState);
+        multipletWeight[state.jState] += weight;
+        const double magnitude = c.imag() == 0.0 ? std::abs(c.real()) : std::abs(c);
+        if (magnitude >= minComponent)
+            level.components.push_back({offsets[state.jState] + (state.twiceM + state.twiceJ) / 2, c});
     }
+    for (int jState : touched) {
+        level.multiplets.push_back({jState, multipletWeight[jState]});
+        multipletWeight[jState] = 0.0;
+    }
+    touched.clear();
 }
 
 }  // namespace
 
 std::vector<ResultLevel> crystalFieldResultLevels(const EnergyLevelResult& result, const ResultBasis& basis,
                                                   double minComponent) {
-    const auto& jBasis = result.freeIonOperators.basis;
     const auto& blocks = result.crystalFieldOperators.blocks;
-    const auto offsets = projectionOffsets(jBasis);
+    const auto offsets = projectionOffsets(result.freeIonOperators.basis);
     std::vector<ResultLevel> levels(result.crystalField.levels.size());
-    std::vector<std::vector<int>> levelsOfBlock(blocks.size());
-    for (int n = 0; n < static_cast<int>(levels.size()); ++n) {
+    std::vector<double> multipletWeight(result.freeIonOperators.basis.states.size(), 0.0);
+    std::vector<int> touched;
+    for (std::size_t n = 0; n < levels.size(); ++n) {
+        auto& level = levels[n];
         const auto& source = result.crystalField.levels[n];
-        levels[n].energy = source.energy;
-        levels[n].block = source.block;
-        levels[n].residue = blocks[source.block].residue;
-        levelsOfBlock[source.block].push_back(n);
+        level.energy = source.energy;
+        level.block = source.block;
+        level.residue = blocks[static_cast<std::size_t>(source.block)].residue;
+        if (n >= result.modelLevels.size()) continue;  // computed without vectors
+        const auto& vectors = result.modelLevels[n];
+        const auto& states = result.model->blocks()[static_cast<std::size_t>(vectors.block)].states;
+        if (vectors.complexVector.size() > 0)
+            collectComponents(vectors.complexVector, states, offsets, minComponent, multipletWeight, touched, level);
+        else if (vectors.vector.size() > 0)
+            collectComponents(vectors.vector, states, offsets, minComponent, multipletWeight, touched, level);
+        finishLevel(level, basis);
     }
-    std::vector<int> localRow(basis.states.size(), -1);
-    std::vector<double> multipletWeight(jBasis.states.size(), 0.0);
-    for (int b = 0; b < static_cast<int>(blocks.size()); ++b) {
-        const auto& levelIndices = levelsOfBlock[b];
-        if (levelIndices.empty()) continue;
-        const auto& states = blocks[b].states;
-        std::vector<int> rowBasisIndex;
-        std::vector<Eigen::Triplet<double>> entries;
-        for (int i = 0; i < static_cast<int>(states.size()); ++i) {
-            const auto& freeIonLevel = result.freeIon.levels[states[i].level];
-            const auto& jStates = jBasis.blocks[freeIonLevel.block].states;
-            const int mOffset = (states[i].twiceM + states[i].twiceJ) / 2;
-            for (int s = 0; s < static_cast<int>(jStates.size()); ++s) {
-                const int index = offsets[jStates[s]] + mOffset;
-                if (localRow[index] < 0) {
-                    localRow[index] = static_cast<int>(rowBasisIndex.size());
-                    rowBasisIndex.push_back(index);
-                }
-                if (freeIonLevel.vector[s] != 0.0) entries.emplace_back(localRow[index], i, freeIonLevel.vector[s]);
-            }
-        }
-        for (int index : rowBasisIndex) localRow[index] = -1;
-        Eigen::SparseMatrix<double, Eigen::RowMajor> transform(static_cast<Eigen::Index>(rowBasisIndex.size()),
-                                                               static_cast<Eigen::Index>(states.size()));
-        transform.setFromTriplets(entries.begin(), entries.end());
-        const auto& first = result.crystalField.levels[levelIndices.front()];
-        if (first.complexVector.size() > 0) {
-            Eigen::MatrixXcd vectors(states.size(), levelIndices.size());
-            for (std::size_t c = 0; c < levelIndices.size(); ++c)
-                vectors.col(c) = result.crystalField.levels[levelIndices[c]].complexVector;
-            const Eigen::SparseMatrix<std::complex<double>, Eigen::RowMajor> complexTransform =
-                transform.cast<std::complex<double>>();
-            projectBlock(complexTransform, vectors, rowBasisIndex, levelIndices, basis,
-                         minComponent, multipletWeight, levels);
-        } else {
-            Eigen::MatrixXd vectors = Eigen::MatrixXd::Zero(states.size(), levelIndices.size());
-            for (std::size_t c = 0; c < levelIndices.size(); ++c) {
-                const auto& vector = result.crystalField.levels[levelIndices[c]].vector;
-                if (vector.size() == vectors.rows()) vectors.col(c) = vector;
-            }
-            projectBlock(transform, vectors, rowBasisIndex, levelIndices, basis, minComponent, multipletWeight,
-                         levels);
-        }
-    }
-    for (auto& level : levels) finishLevel(level, basis);
     numberWithinBlocks(levels, static_cast<int>(blocks.size()));
     return levels;
 }

@@ -4,10 +4,8 @@
 // (free ion), labelled by its largest multiplet, with its crystal quantum
 // number and a mixing flag.
 //
-// A crystal-field eigenvector is computed over the |a J MJ> states of its
-// block (a a free-ion level); with the free-ion eigenvectors
-// |a J> = sum_s v_a(s) |s J> (s the |SL J> states of the J block) its
-// components over |SL J MJ> are c(s, MJ) = sum_a c(a, MJ) v_a(s).
+// A crystal-field eigenvector comes from the prepared model directly over the
+// |SL J MJ> states of its block (engine/model.hpp): each entry is a component.
 //
 // Label: the term and J of the |SL J> multiplet carrying the largest weight
 // (sum of |c|^2 over MJ): "3H4", "4I9/2"; a term label ending in a digit is
@@ -37,6 +35,7 @@ struct ResultBasis {
     bool withProjections = false;       // |SL J MJ> (crystal field) or |SL J> (free ion)
     std::vector<std::string> termLabels;  // by term index
     std::vector<ResultBasisState> states;
+    std::vector<int> firstOfJState;  // per |SL J> state (JBasis index): its first entry in `states`
 };
 
 struct LevelComponent {
@@ -81,7 +80,7 @@ ResultBasis crystalFieldResultBasis(const std::vector<EngineTerm>& terms, const 
 std::vector<ResultLevel> freeIonResultLevels(const EnergyLevelResult& result, const ResultBasis& basis,
                                              double minComponent);
 
-// The crystal-field levels (computed with vectors), components over |SL J MJ>
+// The crystal-field levels (computed with vectors: result.modelLevels), components over |SL J MJ>
 // with |c| >= minComponent.
 std::vector<ResultLevel> crystalFieldResultLevels(const EnergyLevelResult& result, const ResultBasis& basis,
                                                   double minComponent);

@@ -45,13 +45,6 @@ std::vector<ModelBlock> modelBlocks(const JBasis& basis, int fold, int electrons
     return blocks;
 }
 
-// The same block in the form the crystal-field component builder takes.
-ResidueBlock residueBlockOf(const ModelBlock& block) {
-    ResidueBlock result{block.residue, {}};
-    for (const auto& state : block.states) result.states.push_back({state.jState, state.twiceJ, state.twiceM});
-    return result;
-}
-
 // For each state of block `to`, the state (s, J, -M) of block `from` and the phase (-1)^(J+M).
 struct TimeReversal {
     std::vector<Eigen::Index> source;
@@ -175,28 +168,38 @@ void Model::buildCrystalField(const CorrelationTermTensors& correlation) {
             }
         patches_.push_back(std::move(patches));
     }
-    std::vector<ResidueBlock> residueForm;
-    for (const auto& block : blocks_) residueForm.push_back(residueBlockOf(block));
-    std::map<std::pair<CrystalFieldOperator, int>, Eigen::MatrixXd> inJ;  // per operator and rank
+    std::map<std::pair<CrystalFieldOperator, int>, std::shared_ptr<const Eigen::MatrixXd>> inJ;  // per operator and rank
     for (const auto& key : setup_.keys) {
-        const int kIndex = key.k / 2 - 1;
         auto& reduced = inJ[{key.op, key.k}];
-        if (reduced.size() == 0) {
+        if (!reduced) {
+            const int kIndex = key.k / 2 - 1;
             const auto& termTable = key.op == CrystalFieldOperator::Standard ? tables_->unitTensor[kIndex]
                                                                              : correlation.at(key.op)[kIndex];
-            reduced = tensorBetweenJStates(*tables_, basis, termTable, key.k);
+            reduced = std::make_shared<const Eigen::MatrixXd>(tensorBetweenJStates(*tables_, basis, termTable, key.k));
         }
         CrystalFieldComponent component;
+        component.key = key;
+        component.reducedInJ = reduced;
         component.reId = crystalFieldParameterId(key.op, key.k, key.q, false);
         component.imId = crystalFieldParameterId(key.op, key.k, key.q, true);
         component.sign = routeSign(component.reId);
-        for (const auto& block : residueForm) {
-            component.real.emplace_back(crystalFieldBlockComponent(block, reduced, key, 1.0));
+        // A time-reversal partner block is never diagonalised: its parts are
+        // built only when asked for (componentPart).
+        for (std::size_t b = 0; b < blocks_.size(); ++b) {
+            const bool solved = blocks_[b].partner < 0;
+            component.real.push_back(solved ? componentPart(b, component, false) : SparsePart{});
             if (setup_.complex && key.q > 0)
-                component.imaginary.emplace_back(crystalFieldBlockComponent(block, reduced, key, -1.0));
+                component.imaginary.push_back(solved ? componentPart(b, component, true) : SparsePart{});
         }
         crystalField_.push_back(std::move(component));
     }
+}
+
+Model::SparsePart Model::componentPart(std::size_t b, const CrystalFieldComponent& component, bool imaginary) const {
+    const auto& block = blocks_[b];
+    ResidueBlock residueForm{block.residue, {}};
+    for (const auto& state : block.states) residueForm.states.push_back({state.jState, state.twiceJ, state.twiceM});
+    return crystalFieldBlockComponent(residueForm, *component.reducedInJ, component.key, imaginary ? -1.0 : 1.0);
 }
 
 std::vector<ParameterId> Model::parameterIds() const {
@@ -259,20 +262,31 @@ void Model::fillBlock(std::size_t b, const std::vector<Eigen::MatrixXd>& freeIon
     }
 }
 
+// Built from the block's own components also for a time-reversal partner
+// (whose parts the model does not keep), so that checks compare the mapped
+// levels against an independent matrix.
 Eigen::MatrixXd Model::blockMatrix(std::size_t b, const ParameterVector& parameters) const {
     const auto freeIon = freeIonMatrices(parameters);
     const auto n = static_cast<Eigen::Index>(blocks_[b].states.size());
-    Eigen::MatrixXd matrix(n, n);
-    fillBlock<double>(b, freeIon, parameters, Eigen::Map<Eigen::MatrixXd>(matrix.data(), n, n));
+    Eigen::MatrixXd matrix = Eigen::MatrixXd::Zero(n, n);
+    for (const auto& patch : patches_[b])
+        matrix.block(patch.offset, patch.offset, patch.size, patch.size) = freeIon[patch.jBlock];
+    for (const auto& component : crystalField_) {
+        const double re = component.sign * parameters.value(component.reId);
+        if (re == 0.0) continue;
+        matrix += re * Eigen::MatrixXd(blocks_[b].partner < 0 ? component.real[b] : componentPart(b, component, false));
+    }
     return matrix;
 }
 
 Eigen::MatrixXd Model::imaginaryBlockMatrix(std::size_t b, const ParameterVector& parameters) const {
     const auto n = static_cast<Eigen::Index>(blocks_[b].states.size());
     Eigen::MatrixXd matrix = Eigen::MatrixXd::Zero(n, n);
-    for (const auto& component : crystalField_)
-        if (!component.imaginary.empty())
-            matrix += component.sign * parameters.value(component.imId) * Eigen::MatrixXd(component.imaginary[b]);
+    for (const auto& component : crystalField_) {
+        const double im = component.sign * parameters.value(component.imId);
+        if (component.imaginary.empty() || im == 0.0) continue;
+        matrix += im * Eigen::MatrixXd(blocks_[b].partner < 0 ? component.imaginary[b] : componentPart(b, component, true));
+    }
     return matrix;
 }
 
@@ -398,24 +412,41 @@ ModelSolution Model::solve(const ParameterVector& parameters, const SolveRequest
             return solution;
         }
     }
-    std::stable_sort(solution.levels.begin(), solution.levels.end(),
-                     [](const ModelLevel& x, const ModelLevel& y) { return x.energy < y.energy; });
-    if (request.lowest >= 0 && solution.levels.size() > static_cast<std::size_t>(request.lowest))
-        solution.levels.resize(static_cast<std::size_t>(request.lowest));
+    // Ascending energies; a partner block's level follows its source (lower block) on ties.
+    std::vector<std::size_t> order(solution.levels.size());
+    for (std::size_t i = 0; i < order.size(); ++i) order[i] = i;
+    std::stable_sort(order.begin(), order.end(), [&](std::size_t x, std::size_t y) {
+        return solution.levels[x].energy < solution.levels[y].energy;
+    });
+    std::size_t retained = order.size();
+    if (request.lowest >= 0) retained = std::min(retained, static_cast<std::size_t>(request.lowest));
     if (!request.derivatives.empty()) {
-        solution.derivatives.resize(static_cast<Eigen::Index>(solution.levels.size()),
+        // A partner block's level is the time reverse of a solved one: every
+        // component is even under time reversal, so its derivatives are those
+        // of its source level (whose block keeps the components).
+        std::vector<std::size_t> sourceOf(solution.levels.size());
+        for (std::size_t b = 0; b < blocks_.size(); ++b)
+            for (std::size_t i = 0; i < count[b]; ++i)
+                sourceOf[first[b] + i] = blocks_[b].partner < 0 ? first[b] + i : first[blocks_[b].partner] + i;
+        solution.derivatives.resize(static_cast<Eigen::Index>(retained),
                                     static_cast<Eigen::Index>(request.derivatives.size()));
-        for (std::size_t l = 0; l < solution.levels.size(); ++l)
+        for (std::size_t r = 0; r < retained; ++r) {
+            const auto& source = solution.levels[sourceOf[order[r]]];
             for (std::size_t p = 0; p < request.derivatives.size(); ++p)
-                solution.derivatives(static_cast<Eigen::Index>(l), static_cast<Eigen::Index>(p)) =
-                    levelDerivative(static_cast<std::size_t>(solution.levels[l].block), solution.levels[l],
-                                    request.derivatives[p]);
-        if (!request.vectors)
-            for (auto& level : solution.levels) {
-                level.vector.resize(0);
-                level.complexVector.resize(0);
-            }
+                solution.derivatives(static_cast<Eigen::Index>(r), static_cast<Eigen::Index>(p)) =
+                    levelDerivative(static_cast<std::size_t>(source.block), source, request.derivatives[p]);
+        }
     }
+    std::vector<ModelLevel> sorted;
+    sorted.reserve(retained);
+    for (std::size_t r = 0; r < retained; ++r) {
+        sorted.push_back(std::move(solution.levels[order[r]]));
+        if (!request.vectors) {
+            sorted.back().vector.resize(0);
+            sorted.back().complexVector.resize(0);
+        }
+    }
+    solution.levels = std::move(sorted);
     return solution;
 }
 

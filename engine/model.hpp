@@ -146,10 +146,13 @@ private:
         int offset = 0;  // first state of the patch in the block
         int size = 0;
     };
+    using SparsePart = Eigen::SparseMatrix<double, Eigen::RowMajor>;
     struct CrystalFieldComponent {
+        CrystalFieldKey key;
+        std::shared_ptr<const Eigen::MatrixXd> reducedInJ;  // the key's tensor between |SL J> states
         ParameterId reId = 0, imId = 0;
         double sign = 1.0;  // the route's sign
-        std::vector<Eigen::SparseMatrix<double, Eigen::RowMajor>> real, imaginary;  // per block
+        std::vector<SparsePart> real, imaginary;  // per block; empty for a time-reversal partner
     };
 
     ModelSetup setup_;
@@ -164,6 +167,7 @@ private:
     CorrelationTermTensors correlation_;
 
     void buildCrystalField(const CorrelationTermTensors& correlation);
+    SparsePart componentPart(std::size_t b, const CrystalFieldComponent& component, bool imaginary) const;
     void fillFreeIonMatrices(const ParameterVector& parameters, std::vector<Eigen::MatrixXd>& out) const;
     template <typename Scalar>
     void fillBlock(std::size_t b, const std::vector<Eigen::MatrixXd>& freeIon, const ParameterVector& parameters,

@@ -35,11 +35,9 @@ double landeG(int twiceS, int L, int twiceJ) {
 double levelGFactor(const ResultLevel& level, const ResultBasis& basis, const std::vector<EngineTerm>& terms) {
     double g = 0.0;
     for (const auto& multiplet : level.multiplets) {
-        const auto found = std::find_if(basis.states.begin(), basis.states.end(),
-                                        [&](const ResultBasisState& s) { return s.jState == multiplet.jState; });
-        if (found == basis.states.end()) continue;
-        const auto& term = terms[found->term];
-        g += multiplet.weight * landeG(term.twiceS, term.L, found->twiceJ);
+        const auto& state = basis.states[static_cast<std::size_t>(basis.firstOfJState[multiplet.jState])];
+        const auto& term = terms[state.term];
+        g += multiplet.weight * landeG(term.twiceS, term.L, state.twiceJ);
     }
     return g;
 }
@@ -117,18 +115,26 @@ void writeStatevectors(LogBook& out, const std::string& heading, const std::vect
     const std::size_t stored =
         count <= 0 ? levels.size() : std::min(levels.size(), static_cast<std::size_t>(count));
     std::vector<std::string> labels(basis.states.size());  // built once per basis state listed
-    std::string line;
+    std::string block;  // the lines of some states, handed over in one piece
     for (std::size_t i = 0; i < stored; ++i) {
-        out.appendLine("Statevector: " + std::to_string(i + 1) + "  Energy = " + energyText(levels[i].energy + shift) +
-                       "  " + levels[i].label);
+        block += "Statevector: " + std::to_string(i + 1) + "  Energy = " + energyText(levels[i].energy + shift) +
+                 "  " + levels[i].label;
         for (const auto& component : levels[i].components) {
             auto& label = labels[static_cast<std::size_t>(component.basisIndex)];
             if (label.empty()) label = basisStateLabel(basis, component.basisIndex);
-            line = formatNumber(component.coefficient.real(), "#0.000000 ");
-            if (component.coefficient.imag() != 0.0)
-                line += "+ i " + formatNumber(component.coefficient.imag(), "#0.000000 ");
-            line += label;
-            out.appendLine(line);
+            block.push_back('\n');
+            appendNumber(block, component.coefficient.real(), "#0.000000 ");
+            if (component.coefficient.imag() != 0.0) {
+                block += "+ i ";
+                appendNumber(block, component.coefficient.imag(), "#0.000000 ");
+            }
+            block += label;
+        }
+        if (block.size() > (1u << 20) || i + 1 == stored) {
+            out.appendBlock(block);
+            block.clear();
+        } else {
+            block.push_back('\n');
         }
     }
 }

@@ -44,6 +44,10 @@ public:
         out_.write(event.text.data(), static_cast<std::streamsize>(event.text.size()));
         out_.put('\n');
     }
+    void appendBlock(std::string_view lines, LogCategory) override {
+        out_.write(lines.data(), static_cast<std::streamsize>(lines.size()));
+        out_.put('\n');
+    }
 
 private:
     std::ostream& out_;
@@ -196,6 +200,7 @@ RunOutcome runEngine(int mode, std::filesystem::path parameterFile, RunRequest r
     EnergyLevelOptions options;
     options.crystalField = !freeIon;
     options.wantVectors = true;
+    options.levelBasisVectors = false;  // the reports list the model's |SL J MJ> vectors
     options.complex = complex;
     MemoryLogBook engineLog;
     const auto run = runWithTables(set, options, environment, engineLog, engineError);
@@ -209,13 +214,7 @@ RunOutcome runEngine(int mode, std::filesystem::path parameterFile, RunRequest r
     replayEngineLog(engineLog.lines(), progress, general, freeIonStoring);
 
     environment.log.progress(LogCategory::Run, "run", 2, kStages);
-    MemoryLogBook quiet;
-    EngineTables tables;
-    try {
-        tables = loadEngineTables(result.tableElectrons, run.tableDirectory, quiet);
-    } catch (const std::exception& error) {
-        throw UserError(engineError, error.what());
-    }
+    const EngineTables& tables = result.model->tables();
     const auto freeIonBasis = freeIonResultBasis(tables.terms, result.freeIonOperators.basis);
     const auto freeIonLevels = freeIonResultLevels(result, freeIonBasis, minComponent);
     const double shift = request.energyShift;

@@ -6,6 +6,8 @@
 
 #include <fmt/format.h>
 
+#include "core/number_format.hpp"
+
 #include "core/atomic_file.hpp"
 #include "core/text.hpp"
 #include "core/user_error.hpp"
@@ -75,8 +77,8 @@ void writeStateVectorText(std::ostream& out, const StateVectorHeader& header, co
                           const std::vector<EngineTerm>& terms, const std::vector<ResultLevel>& levels, int count) {
     const int stored = (count <= 0 || count > static_cast<int>(levels.size())) ? static_cast<int>(levels.size())
                                                                                 : count;
-    fmt::memory_buffer buffer;
-    auto put = std::back_inserter(buffer);
+    std::string text;
+    auto put = std::back_inserter(text);
     fmt::format_to(put, "State vectors: {}\n", header.title);
     fmt::format_to(put, "basis {} states {} vectors {} complex {} unit {} shift {}\n",
                    basis.withProjections ? "SLJM" : "SLJ", basis.states.size(), stored, header.complex ? 1 : 0,
@@ -86,25 +88,29 @@ void writeStateVectorText(std::ostream& out, const StateVectorHeader& header, co
         const auto& term = terms[state.term];
         fmt::format_to(put, "{} {} {} {} {}", i + 1, term.label, term.twiceS, term.L, state.twiceJ);
         if (basis.withProjections) fmt::format_to(put, " {}", state.twiceM);
-        buffer.push_back('\n');
+        text.push_back('\n');
     }
     for (int n = 0; n < stored; ++n) {
         const auto& level = levels[n];
         fmt::format_to(put, "Statevector # {} {:.6f} {} {}\n", n + 1, level.energy + header.shift,
                        level.components.size(), level.label);
         for (const auto& component : level.components) {
-            if (header.complex)
-                fmt::format_to(put, "{} {:.10f} {:.10f}\n", component.basisIndex + 1, component.coefficient.real(),
-                               component.coefficient.imag());
-            else
-                fmt::format_to(put, "{} {:.10f}\n", component.basisIndex + 1, component.coefficient.real());
+            const fmt::format_int index(component.basisIndex + 1);
+            text.append(index.data(), index.size());
+            text.push_back(' ');
+            appendFixed(text, component.coefficient.real(), 10);
+            if (header.complex) {
+                text.push_back(' ');
+                appendFixed(text, component.coefficient.imag(), 10);
+            }
+            text.push_back('\n');
         }
-        if (buffer.size() > (1u << 22)) {
-            out.write(buffer.data(), static_cast<std::streamsize>(buffer.size()));
-            buffer.clear();
+        if (text.size() > (1u << 22)) {
+            out.write(text.data(), static_cast<std::streamsize>(text.size()));
+            text.clear();
         }
     }
-    out.write(buffer.data(), static_cast<std::streamsize>(buffer.size()));
+    out.write(text.data(), static_cast<std::streamsize>(text.size()));
 }
 
 StateVectorFileContents parseStateVectorText(const std::string& text, const std::string& file) {
