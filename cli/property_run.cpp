@@ -1,0 +1,103 @@
+#include "cli/property_run.hpp"
+
+#include <iostream>
+
+#include <fmt/format.h>
+
+#include "cli/commands.hpp"
+#include "cli/exit_code.hpp"
+#include "core/atomic_file.hpp"
+#include "core/physical_constants.hpp"
+#include "core/user_error.hpp"
+#include "engine/model.hpp"
+#include "engine/parameter_file.hpp"
+#include "engine/parameter_vector.hpp"
+#include "params/energy_units.hpp"
+#include "tables/table_directory.hpp"
+
+namespace orvane::cli {
+
+void addPropertyRunOptions(CLI::App& command, PropertyRunOptions& options) {
+    command.add_option("FILE", options.file, "parameter file (.par)")->required();
+    auto* freeIon = command.add_flag("--free-ion", options.freeIon, "work on the free-ion J-multiplets");
+    command.add_flag("--complex", options.complex, "complex crystal field (Im Bkq kept)")->excludes(freeIon);
+    command.add_option("--gs", options.spinG, "spin g factor g_s (default 2.0023193043622)")->check(CLI::PositiveNumber);
+    command.add_option("--tables", options.tableDirectory, "table directory (default: the delivered one)");
+    command.add_option("--csv", options.csv, "also write the results as a CSV table to FILE (- for standard output)");
+}
+
+PropertyRun runForProperties(const PropertyRunOptions& options, LogBook& log) {
+    PropertyRun run;
+    run.set = readParameterFileForRun(options.file);
+    run.spinG = options.spinG > 0 ? options.spinG : kElectronSpinG;
+    const auto directory =
+        options.tableDirectory.empty() ? defaultTableDirectory() : std::filesystem::path(options.tableDirectory);
+    const bool crystalField = !options.freeIon;
+    const auto model = Model::build(modelSetupOf(run.set, crystalField, options.complex), directory, log);
+    ModelWorkspace workspace;
+    const auto solution =
+        model.solve(parameterVectorOf(run.set, options.complex), {options.freeIon, true, kAllEigenvalues, {}}, workspace);
+    if (solution.status != EigenStatus::Ok) throw UserError("Error in Main", "the diagonalisation failed");
+    const double factor =
+        params::unitInWavenumbers(static_cast<params::EnergyUnitCode>(static_cast<int>(run.set.switches.energyUnit)));
+    run.states = crystalField ? crystalFieldStates(model, solution, factor) : freeIonStates(model, solution.freeIon, factor);
+    return run;
+}
+
+LogBook& reportLog(const PropertyRunOptions& options) {
+    static StreamLogBook out(std::cout);
+    static NullLogBook none;
+    if (options.csv == "-") return none;
+    return out;
+}
+
+void writeCsv(const PropertyRunOptions& options, const std::string& text) {
+    if (options.csv.empty()) return;
+    if (options.csv == "-") {
+        std::cout << text;
+        return;
+    }
+    writeFileAtomically(options.csv, text);
+}
+
+void runPropertyCommand(const std::function<void()>& body) {
+    try {
+        body();
+        setExitCode(kExitOk);
+    } catch (const UserError& error) {
+        std::cerr << error.title() << ": " << error.describe() << '\n';
+        setExitCode(kExitFailure);
+    } catch (const std::exception& error) {
+        std::cerr << "Error: " << error.what() << '\n';
+        setExitCode(kExitFailure);
+    }
+}
+
+std::vector<int> numberedStates(const PropertyRun& run) {
+    std::vector<int> numbered;
+    const auto& states = run.states.states;
+    for (int i = 0; i < static_cast<int>(states.size()); ++i)
+        if (!run.states.freeIon || i == 0 || states[i].level != states[i - 1].level) numbered.push_back(i);
+    return numbered;
+}
+
+int stateIndex(const PropertyRun& run, int number, const std::string& option) {
+    const auto numbered = numberedStates(run);
+    const auto count = static_cast<int>(numbered.size());
+    if (number < 1 || number > count)
+        throw UserError("Error in Main", fmt::format("{} {}: the run has {} 1 to {}", option, number,
+                                                     run.states.freeIon ? "multiplets" : "states", count));
+    return numbered[number - 1];
+}
+
+int stateNumber(const PropertyRun& run, int state) {
+    return run.states.freeIon ? run.states.states[state].level + 1 : state + 1;
+}
+
+std::pair<int, int> stateRange(const PropertyRun& run, int first, int last) {
+    const int from = stateIndex(run, first, "--range"), to = stateIndex(run, last, "--range");
+    const auto members = run.states.levelMembers(run.states.states[to].level);
+    return {from, run.states.freeIon ? members.back() : to};
+}
+
+}  // namespace orvane::cli
