@@ -346,6 +346,10 @@ void intensitiesCommand(const IntensityOptions& options) {
                                        chiText(line.rateEQ), chiText(total));
         if (options.temperature && emission) text += "  W=" + chiText(population * total);
         log.appendLine(text);
+        if (line.magneticSquare > 0.0)
+            log.appendLine("      MD2 = " + formatNumber(line.magneticSquare, "#0.00000") + ": Parallel sigma " +
+                           formatNumber(line.magneticSigma, "#0.00000") + ", Perp. pi " +
+                           formatNumber(line.magneticPi, "#0.00000"));
         csv << stateNumber(run, initial) << ',' << stateNumber(run, line.final) << ',' << csvNumber(line.wavenumber);
         for (double u : line.unitSquares) csv << ',' << csvNumber(u);
         for (double v : {line.strengthED, line.rateED, line.magneticSquare, line.strengthMD, line.oscillatorMD,

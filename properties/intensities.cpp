@@ -22,19 +22,22 @@ IntensityOperators intensityOperators(const PropertyStates& states, double spinG
 }
 
 Eigen::MatrixXd lineSquaresFrom(const PropertyStates& states, const IntensityOperators& operators, int level) {
-    Eigen::MatrixXd squares = Eigen::MatrixXd::Zero(static_cast<Eigen::Index>(states.states.size()), 4);
+    Eigen::MatrixXd squares = Eigen::MatrixXd::Zero(static_cast<Eigen::Index>(states.states.size()), 6);
     for (int member : states.levelMembers(level)) {
         for (std::size_t k = 0; k < 3; ++k) {
             const auto& op = operators.unitTensors[k];
             squares.col(static_cast<Eigen::Index>(k)) += op.contract(op.braRows(member)).cwiseAbs2().rowwise().sum();
         }
-        squares.col(3) += operators.moment.contract(operators.moment.braRows(member)).cwiseAbs2().rowwise().sum();
+        const Eigen::MatrixXd moment = operators.moment.contract(operators.moment.braRows(member)).cwiseAbs2();
+        squares.col(3) += moment.rowwise().sum();
+        squares.col(4) += moment.col(1);                   // q = 0
+        squares.col(5) += moment.col(0) + moment.col(2);   // q = -1, +1
     }
     return squares;
 }
 
 TransitionLine transitionLine(const PropertyStates& states, int initialLevel, int finalLevel,
-                              const std::array<double, 4>& squares, const IntensityInput& input) {
+                              const std::array<double, 6>& squares, const IntensityInput& input) {
     const auto initialMembers = states.levelMembers(initialLevel);
     const auto finalMembers = states.levelMembers(finalLevel);
     TransitionLine line;
@@ -47,6 +50,8 @@ TransitionLine transitionLine(const PropertyStates& states, int initialLevel, in
     line.wavenumber = std::abs(finalEnergy - initialEnergy);
     line.unitSquares = {squares[0], squares[1], squares[2]};
     line.magneticSquare = squares[3];
+    line.magneticSigma = squares[4];
+    line.magneticPi = squares[5];
     for (int k = 0; k < 3; ++k) line.strengthED += input.omega[k] * squares[k];
     line.strengthMD = kBohrMagnetonSquaredDebye * line.magneticSquare;
     line.dipoleMD = line.strengthMD / lowerDegeneracy;
@@ -77,9 +82,9 @@ std::vector<TransitionLine> transitionLines(const PropertyStates& states, const 
         const int level = states.states[j].level;
         if (level == initialLevel || level == previousLevel) continue;
         previousLevel = level;
-        std::array<double, 4> sums{};
+        std::array<double, 6> sums{};
         for (int member : states.levelMembers(level))
-            for (int c = 0; c < 4; ++c) sums[c] += squares(member, c);
+            for (int c = 0; c < 6; ++c) sums[c] += squares(member, c);
         lines.push_back(transitionLine(states, initialLevel, level, sums, input));
     }
     return lines;

@@ -48,7 +48,9 @@ struct IntensityOperators {
 IntensityOperators intensityOperators(const PropertyStates& states, double spinG);
 
 // Squared elements from the members of one level to every state, summed over
-// the members and q: columns U2, U4, U6, MD2 (states x 4).
+// the members and q: columns U2, U4, U6, MD2, then MD2 split by polarisation
+// for a uniaxial site: sigma (B along z, q = 0) and pi (B perpendicular, q = +-1)
+// (states x 6).
 Eigen::MatrixXd lineSquaresFrom(const PropertyStates& states, const IntensityOperators& operators, int level);
 
 struct IntensityInput {
@@ -64,6 +66,8 @@ struct TransitionLine {
     double refractiveIndex = 1.0;
     std::array<double, 3> unitSquares{};  // U2, U4, U6
     double magneticSquare = 0.0;          // MD2 (mu_B^2)
+    double magneticSigma = 0.0;           // its q = 0 part ("Parallel sigma": E perpendicular, B along z)
+    double magneticPi = 0.0;              // its q = +-1 part ("Perp. pi": E along z, B perpendicular)
     double strengthED = 0.0;              // 1e-20 cm^2
     double strengthMD = 0.0;              // 1e-8 D^2
     double dipoleMD = 0.0;                // 1e-8 D^2
@@ -74,7 +78,7 @@ struct TransitionLine {
 
 // The line between two levels given the summed squares (a row of lineSquaresFrom summed over the final level).
 TransitionLine transitionLine(const PropertyStates& states, int initialLevel, int finalLevel,
-                              const std::array<double, 4>& squares, const IntensityInput& input);
+                              const std::array<double, 6>& squares, const IntensityInput& input);
 
 // Lines from the level of state `initial` to the levels of the states
 // first..last (0-based, inclusive), one per level, the initial level left out.

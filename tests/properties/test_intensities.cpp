@@ -73,6 +73,9 @@ TEST(Intensities, NeodymiumReducedElementsAndDetailedBalance) {
     }
     const auto md = transitionLines(states, operators, 0, stateOfMultiplet(states, "4I11/2"), 10000, input).at(0);
     EXPECT_NEAR(md.magneticSquare, 18.7392, 2e-3);
+    // A free ion is isotropic: a third of MD2 in sigma (q = 0), two thirds in pi.
+    EXPECT_NEAR(md.magneticSigma, md.magneticSquare / 3, 1e-9);
+    EXPECT_NEAR(md.magneticPi, 2 * md.magneticSquare / 3, 1e-9);
     // A_MD against 64 pi^4 mu_B^2 n^3 sigma^3 MD2 / (3 h g_u), CODATA.
     const double rate = 64 * std::pow(std::numbers::pi, 4) * std::pow(9.2740100783e-21, 2) / (3 * 6.62607015e-27) *
                         std::pow(1.6 * md.wavenumber, 3) * md.magneticSquare / 12;
