@@ -33,8 +33,9 @@ std::string csvNumber(double value) { return fmt::format("{:.10g}", value); }
 
 std::string spinGNote(double spinG) { return "Magnetic moment mu = -muB (L + gs S), gs = " + fmt::format("{:.10g}", spinG); }
 
-// Scientific for small magnitudes, fixed otherwise.
-std::string chiText(double value) {
+// Scientific for small magnitudes, fixed otherwise (or the --accuracy places).
+std::string chiText(double value, const PropertyRunOptions* options = nullptr) {
+    if (options && !options->accuracy.empty()) return propertyText(value, *options, "");
     return std::abs(value) < 0.001 && value != 0.0 ? formatNumber(value, "0.0000e+##") : formatNumber(value, "#0.000000");
 }
 
@@ -95,7 +96,7 @@ void freeIonGFactors(const PropertyRun& run, const TensorOperator& moment, const
         const int number = stateNumber(run, first);
         const double energy = run.states.relativeEnergy(first);
         log.appendLine(fmt::format("g values for multiplet # {} ({} cm-1): gJ = {}", number,
-                                   formatNumber(energy, "######0.0000"), formatNumber(g, "#0.0000")));
+                                   formatNumber(energy, "######0.0000"), propertyText(g, options, "#0.0000")));
         csv << number << ',' << number << ',' << csvNumber(energy) << ',' << csvNumber(g) << ',' << csvNumber(g) << ','
             << csvNumber(g) << '\n';
     }
@@ -132,12 +133,11 @@ void gFactorsCommand(const GFactorOptions& options) {
         const double energy = run.states.relativeEnergy(first);
         log.appendLine(fmt::format("g values for states # {} and {} ({} cm-1)", first + 1, second + 1,
                                    formatNumber(energy, "######0.0000")));
-        std::string line = "gz = " + formatNumber(g.g[2], "#0.0000") + " gx = " + formatNumber(g.g[0], "#0.0000") +
-                           " gy = " + formatNumber(g.g[1], "#0.0000");
-        if (quasi) line += " gz' = " + formatNumber(g.gz1, "#0.0000") + " + " + " gz'' = " + formatNumber(g.gz2, "#0.0000");
+        const auto text = [&](double v) { return propertyText(v, options.run, "#0.0000"); };
+        std::string line = "gz = " + text(g.g[2]) + " gx = " + text(g.g[0]) + " gy = " + text(g.g[1]);
+        if (quasi) line += " gz' = " + text(g.gz1) + " + " + " gz'' = " + text(g.gz2);
         log.appendLine(line);
-        log.appendLine(" ux = " + formatNumber(g.moment[0], "#0.0000") + " uy = " + formatNumber(g.moment[1], "#0.0000") +
-                       " uz' = " + formatNumber(g.moment[2], "#0.0000"));
+        log.appendLine(" ux = " + text(g.moment[0]) + " uy = " + text(g.moment[1]) + " uz' = " + text(g.moment[2]));
         log.appendLine(fmt::format("principal axes (alpha, beta, gamma) = ({}, {}, {}) degrees",
                                    formatNumber(g.eulerAngles[0], "##0.00"), formatNumber(g.eulerAngles[1], "##0.00"),
                                    formatNumber(g.eulerAngles[2], "##0.00")));
@@ -162,10 +162,11 @@ std::pair<int, int> rangeOf(const PropertyRun& run, const std::vector<int>& rang
     return stateRange(run, range[0], range[1]);
 }
 
-std::string elementText(std::complex<double> value) {
-    if (std::abs(value.imag()) < 5e-6) return formatNumber(value.real(), "##0.00000");
-    if (std::abs(value.real()) < 5e-6) return formatNumber(value.imag(), "##0.00000") + "i";
-    return formatNumber(value.real(), "##0.00000") + formatNumber(value.imag(), "+0.00000;-0.00000") + "i";
+std::string elementText(std::complex<double> value, const PropertyRunOptions& options) {
+    const auto text = [&](double v) { return propertyText(v, options, "##0.00000"); };
+    if (std::abs(value.imag()) < 5e-6) return text(value.real());
+    if (std::abs(value.real()) < 5e-6) return text(value.imag()) + "i";
+    return text(value.real()) + (value.imag() >= 0 ? " +" : " ") + std::string(trim(text(value.imag()))) + "i";
 }
 
 void momentsCommand(const RangeOptions& options) {
@@ -183,8 +184,8 @@ void momentsCommand(const RangeOptions& options) {
     for (const auto& row : momentRows(run.states, moment, initial, first, last)) {
         std::string line = fmt::format("{:>3}", stateNumber(run, row.j));
         if (run.states.freeIon) line += fmt::format(" 2M={:>3}", run.states.states[row.j].twiceMu);
-        for (int a = 0; a < 3; ++a) line += "  " + elementText(row.element(a));
-        for (int a = 0; a < 3; ++a) line += "  " + formatNumber(std::norm(row.element(a)), "##0.00000");
+        for (int a = 0; a < 3; ++a) line += "  " + elementText(row.element(a), options.run);
+        for (int a = 0; a < 3; ++a) line += "  " + propertyText(std::norm(row.element(a)), options.run, "##0.00000");
         log.appendLine(line);
         csv << stateNumber(run, initial) << ',' << stateNumber(run, row.j);
         for (int a = 0; a < 3; ++a) csv << ',' << csvNumber(std::norm(row.element(a)));
@@ -240,8 +241,8 @@ void chiCommand(const ChiOptions& options) {
     csv << "T,chi_x,chi_y,chi_z,chi_avg\n";
     for (double t : grid) {
         const auto point = susceptibilityAt(table, t);
-        log.appendLine(fmt::format("{}  {}  {}  {}  {}", formatNumber(t, "##0.0000"), chiText(point.average()),
-                                   chiText(point.chi[0]), chiText(point.chi[1]), chiText(point.chi[2])));
+        log.appendLine(fmt::format("{}  {}  {}  {}  {}", formatNumber(t, "##0.0000"), chiText(point.average(), &options.run),
+                                   chiText(point.chi[0], &options.run), chiText(point.chi[1], &options.run), chiText(point.chi[2], &options.run)));
         csv << csvNumber(t);
         for (double chi : point.chi) csv << ',' << csvNumber(chi);
         csv << ',' << csvNumber(point.average()) << '\n';
@@ -251,21 +252,21 @@ void chiCommand(const ChiOptions& options) {
         const double t = curieTemperature;
         log.appendLine("Curie Constant at T = " + formatNumber(t, "##0.0000") + " K");
         log.appendLine("Curie Constant C (K*emu/mol): C(Average)   C(x)   C(y)    C(z)");
-        log.appendLine(fmt::format("{}  {}  {}  {}", chiText(curieConstant(point.average(), t)),
-                                   chiText(curieConstant(point.chi[0], t)), chiText(curieConstant(point.chi[1], t)),
-                                   chiText(curieConstant(point.chi[2], t))));
+        log.appendLine(fmt::format("{}  {}  {}  {}", chiText(curieConstant(point.average(), t), &options.run),
+                                   chiText(curieConstant(point.chi[0], t), &options.run), chiText(curieConstant(point.chi[1], t), &options.run),
+                                   chiText(curieConstant(point.chi[2], t), &options.run)));
         log.appendLine("Effective moment (Bohr magneton): mu   mu(x)   mu(y)   mu(z)");
-        log.appendLine(fmt::format("{}  {}  {}  {}", formatNumber(effectiveMoment(point.average(), t), "#0.000000"),
-                                   formatNumber(effectiveMoment(point.chi[0], t), "#0.000000"),
-                                   formatNumber(effectiveMoment(point.chi[1], t), "#0.000000"),
-                                   formatNumber(effectiveMoment(point.chi[2], t), "#0.000000")));
+        log.appendLine(fmt::format("{}  {}  {}  {}", propertyText(effectiveMoment(point.average(), t), options.run, "#0.000000"),
+                                   propertyText(effectiveMoment(point.chi[0], t), options.run, "#0.000000"),
+                                   propertyText(effectiveMoment(point.chi[1], t), options.run, "#0.000000"),
+                                   propertyText(effectiveMoment(point.chi[2], t), options.run, "#0.000000")));
     }
     if (!measured.empty()) {
         log.appendLine("Measured and calculated X(Average) (unit: emu/mol)");
         log.appendLine("Temperature/K  measured      calculated");
         for (const auto& point : measured)
-            log.appendLine(fmt::format("{}  {}  {}", formatNumber(point.temperature, "##0.0000"), chiText(point.average),
-                                       chiText(susceptibilityAt(table, point.temperature).average())));
+            log.appendLine(fmt::format("{}  {}  {}", formatNumber(point.temperature, "##0.0000"), chiText(point.average, &options.run),
+                                       chiText(susceptibilityAt(table, point.temperature).average(), &options.run)));
     }
     writeCsv(options.run, csv.str());
 }

@@ -1,5 +1,7 @@
 #include "cli/property_run.hpp"
 
+#include <algorithm>
+#include <cmath>
 #include <iostream>
 
 #include <fmt/format.h>
@@ -7,7 +9,9 @@
 #include "cli/commands.hpp"
 #include "cli/exit_code.hpp"
 #include "core/atomic_file.hpp"
+#include "core/number_format.hpp"
 #include "core/physical_constants.hpp"
+#include "core/text.hpp"
 #include "core/user_error.hpp"
 #include "engine/model.hpp"
 #include "engine/parameter_file.hpp"
@@ -24,6 +28,8 @@ void addPropertyRunOptions(CLI::App& command, PropertyRunOptions& options) {
     command.add_option("--gs", options.spinG, "spin g factor g_s (default 2.0023193043622)")->check(CLI::PositiveNumber);
     command.add_option("--tables", options.tableDirectory, "table directory (default: the delivered one)");
     command.add_option("--csv", options.csv, "also write the results as a CSV table to FILE (- for standard output)");
+    command.add_option("--accuracy", options.accuracy,
+                       "decimal places of printed g-factors, moments and susceptibilities, or a limit such as 1E-5");
 }
 
 PropertyRun runForProperties(const PropertyRunOptions& options, LogBook& log) {
@@ -42,6 +48,15 @@ PropertyRun runForProperties(const PropertyRunOptions& options, LogBook& log) {
         params::unitInWavenumbers(static_cast<params::EnergyUnitCode>(static_cast<int>(run.set.switches.energyUnit)));
     run.states = crystalField ? crystalFieldStates(model, solution, factor) : freeIonStates(model, solution.freeIon, factor);
     return run;
+}
+
+std::string propertyText(double value, const PropertyRunOptions& options, std::string_view defaultPicture) {
+    if (options.accuracy.empty()) return formatNumber(value, defaultPicture);
+    const auto limit = parseNumber(options.accuracy);
+    if (!limit || *limit <= 0.0) throw UserError("Error in Main", "--accuracy " + options.accuracy + ": not a positive number");
+    const int places = *limit >= 1.0 ? static_cast<int>(std::lround(*limit))
+                                     : static_cast<int>(std::ceil(-std::log10(*limit) - 1e-9));
+    return formatNumber(value, "##0." + std::string(static_cast<std::size_t>(std::clamp(places, 1, 15)), '0'));
 }
 
 LogBook& reportLog(const PropertyRunOptions& options) {

@@ -6,6 +6,7 @@
 #include <functional>
 #include <iosfwd>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -24,7 +25,12 @@ struct PropertyRunOptions {
     double spinG = 0.0;  // 0: the free-electron value
     std::string tableDirectory;
     std::string csv;     // "" none, "-" standard output
+    std::string accuracy;  // decimal places, or an accuracy limit such as 1E-5; "" the default pictures
 };
+
+// A property value in the report: the default picture, or with the decimal
+// places of --accuracy (a limit 1E-d gives d places).
+std::string propertyText(double value, const PropertyRunOptions& options, std::string_view defaultPicture);
 
 // Adds FILE, --free-ion, --complex, --gs, --tables and --csv.
 void addPropertyRunOptions(CLI::App& command, PropertyRunOptions& options);
