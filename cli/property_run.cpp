@@ -17,6 +17,7 @@
 #include "engine/parameter_file.hpp"
 #include "engine/parameter_vector.hpp"
 #include "params/energy_units.hpp"
+#include "report/state_vector_file.hpp"
 #include "tables/table_directory.hpp"
 
 namespace orvane::cli {
@@ -27,10 +28,53 @@ void addPropertyRunOptions(CLI::App& command, PropertyRunOptions& options) {
     command.add_flag("--complex", options.complex, "complex crystal field (Im Bkq kept)")->excludes(freeIon);
     command.add_option("--gs", options.spinG, "spin g factor g_s (default 2.0023193043622)")->check(CLI::PositiveNumber);
     command.add_option("--tables", options.tableDirectory, "table directory (default: the delivered one)");
+    command.add_option("--vectors", options.vectors,
+                       "state-vector file (.ev) of an earlier run of FILE: its stored states instead of a new solve");
     command.add_option("--csv", options.csv, "also write the results as a CSV table to FILE (- for standard output)");
     command.add_option("--accuracy", options.accuracy,
                        "decimal places of printed g-factors, moments and susceptibilities, or a limit such as 1E-5");
 }
+
+namespace {
+
+double wavenumbersPerUnit(const ParameterSet& set) {
+    return params::unitInWavenumbers(static_cast<params::EnergyUnitCode>(static_cast<int>(set.switches.energyUnit)));
+}
+
+// The stored states of a .ev file on the model's basis (matched by term label, J and MJ).
+PropertyStates statesFromVectorFile(const Model& model, const StateVectorFileContents& file, const std::string& name,
+                                    bool crystalField, double factor) {
+    if (file.withProjections != crystalField)
+        throw UserError("Error in Main", name + ": a " + (file.withProjections ? "crystal-field" : "free-ion") +
+                                             " state-vector file; " + (crystalField ? "add" : "omit") + " --free-ion");
+    const auto& terms = model.tables().terms;
+    const auto& jStates = model.freeIonOperators().basis.states;
+    std::vector<int> offsets;
+    for (int s = 0, next = 0; s < static_cast<int>(jStates.size()); next += jStates[s].twiceJ + 1, ++s) offsets.push_back(next);
+    std::vector<int> indexOf;
+    for (std::size_t b = 0; b < file.basis.size(); ++b) {
+        const auto& stored = file.basis[b];
+        int found = -1;
+        for (int s = 0; s < static_cast<int>(jStates.size()) && found < 0; ++s)
+            if (terms[jStates[s].term].label == stored.term && jStates[s].twiceJ == stored.twiceJ)
+                found = crystalField ? offsets[s] + (stored.twiceM + stored.twiceJ) / 2 : s;
+        if (found < 0)
+            throw UserError("Error in Main", fmt::format("{}: basis state {} ({} 2J={}) is not in the basis of the parameter file's configuration",
+                                                         name, b + 1, stored.term, stored.twiceJ));
+        indexOf.push_back(found);
+    }
+    std::vector<ComponentState> given;
+    for (const auto& vector : file.vectors) {
+        ComponentState state;
+        state.energy = (vector.energy - file.shift) * factor;
+        for (const auto& component : vector.components)
+            state.components.emplace_back(indexOf[component.basisIndex], component.coefficient);
+        given.push_back(std::move(state));
+    }
+    return statesFromComponents(model, given, !crystalField);
+}
+
+}  // namespace
 
 PropertyRun runForProperties(const PropertyRunOptions& options, LogBook& log) {
     PropertyRun run;
@@ -40,12 +84,16 @@ PropertyRun runForProperties(const PropertyRunOptions& options, LogBook& log) {
         options.tableDirectory.empty() ? defaultTableDirectory() : std::filesystem::path(options.tableDirectory);
     const bool crystalField = !options.freeIon;
     const auto model = Model::build(modelSetupOf(run.set, crystalField, options.complex), directory, log);
+    if (!options.vectors.empty()) {
+        run.states = statesFromVectorFile(model, readStateVectorFile(options.vectors), options.vectors, crystalField,
+                                          wavenumbersPerUnit(run.set));
+        return run;
+    }
     ModelWorkspace workspace;
     const auto solution =
         model.solve(parameterVectorOf(run.set, options.complex), {options.freeIon, true, kAllEigenvalues, {}}, workspace);
     if (solution.status != EigenStatus::Ok) throw UserError("Error in Main", "the diagonalisation failed");
-    const double factor =
-        params::unitInWavenumbers(static_cast<params::EnergyUnitCode>(static_cast<int>(run.set.switches.energyUnit)));
+    const double factor = wavenumbersPerUnit(run.set);
     run.states = crystalField ? crystalFieldStates(model, solution, factor) : freeIonStates(model, solution.freeIon, factor);
     return run;
 }

@@ -25,6 +25,7 @@ struct PropertyRunOptions {
     double spinG = 0.0;  // 0: the free-electron value
     std::string tableDirectory;
     std::string csv;     // "" none, "-" standard output
+    std::string vectors;   // a state-vector file (.ev) of an earlier run instead of solving
     std::string accuracy;  // decimal places, or an accuracy limit such as 1E-5; "" the default pictures
 };
 

@@ -52,6 +52,17 @@ void finishStates(PropertyStates& states) {
     states.levelCount = level + 1;
 }
 
+// Free-ion states: a level is a multiplet, also when two multiplets happen to coincide.
+void levelsByMultiplet(PropertyStates& states) {
+    int level = -1, previous = -1;
+    for (auto& state : states.states) {
+        if (state.multiplet != previous) ++level;
+        previous = state.multiplet;
+        state.level = level;
+    }
+    states.levelCount = level + 1;
+}
+
 }  // namespace
 
 std::vector<int> PropertyStates::levelMembers(int level) const {
@@ -113,14 +124,40 @@ PropertyStates freeIonStates(const Model& model, const FreeIonSolution& solution
         }
     }
     finishStates(states);
-    // A level is a multiplet, also when two multiplets happen to coincide.
-    int level = -1, previous = -1;
-    for (auto& state : states.states) {
-        if (state.multiplet != previous) ++level;
-        previous = state.multiplet;
-        state.level = level;
+    levelsByMultiplet(states);
+    return states;
+}
+
+PropertyStates statesFromComponents(const Model& model, const std::vector<ComponentState>& given, bool freeIon) {
+    PropertyStates states = emptyStatesOf(model);
+    states.freeIon = freeIon;
+    for (std::size_t g = 0; g < given.size(); ++g) {
+        const auto& source = given[g];
+        if (source.components.empty()) continue;
+        const int twiceJ = freeIon ? states.jBasis.states[source.components.front().first].twiceJ : 0;
+        for (int twiceM = -twiceJ; twiceM <= twiceJ; twiceM += 2) {
+            StateGroup group;
+            group.vectors.resize(static_cast<Eigen::Index>(source.components.size()), 1);
+            for (std::size_t c = 0; c < source.components.size(); ++c) {
+                const auto& [index, coefficient] = source.components[c];
+                group.basisIndices.push_back(freeIon ? states.basisIndex(index, twiceM) : index);
+                group.vectors(static_cast<Eigen::Index>(c), 0) = coefficient;
+            }
+            group.members.push_back(0);
+            PropertyState state;
+            state.energy = source.energy;
+            state.group = static_cast<int>(states.groups.size());
+            const int fold = model.setup().fold;
+            state.twiceMu = freeIon ? twiceM
+                                    : twiceCrystalQuantumNumber(
+                                          twiceMResidue(states.basis.states[group.basisIndices.front()].twiceM, fold), fold);
+            state.multiplet = freeIon ? static_cast<int>(g) : -1;
+            states.groups.push_back(std::move(group));
+            states.states.push_back(state);
+        }
     }
-    states.levelCount = level + 1;
+    finishStates(states);
+    if (freeIon) levelsByMultiplet(states);
     return states;
 }
 

@@ -9,7 +9,9 @@
 // that an operator row can be contracted with every state of a group by one
 // matrix product. States are numbered in ascending energy; degenerate states
 // (energies within kDegenerateLevelTolerance) form one level.
+#include <complex>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <Eigen/Dense>
@@ -73,5 +75,16 @@ PropertyStates crystalFieldStates(const Model& model, const ModelSolution& solut
 // The free-ion levels of a solve (FreeIonSolution with vectors), each
 // multiplet expanded into its 2J+1 MJ components.
 PropertyStates freeIonStates(const Model& model, const FreeIonSolution& solution, double wavenumbersPerUnit);
+
+// States given by their components, e.g. read back from a state-vector file
+// written earlier: energy in cm^-1 and (index, coefficient) pairs over the
+// |SL J MJ> basis (`basisIndex`), or with `freeIon` over the |SL J> states of
+// the model's basis, each such state then expanded into its 2J+1 MJ
+// components. Components left out (below a file's minimum) count as zero.
+struct ComponentState {
+    double energy = 0.0;
+    std::vector<std::pair<int, std::complex<double>>> components;
+};
+PropertyStates statesFromComponents(const Model& model, const std::vector<ComponentState>& given, bool freeIon);
 
 }  // namespace orvane
