@@ -38,6 +38,8 @@ namespace {
 
 using namespace orvane;
 using bench::bkq;
+using bench::erbium;
+using bench::neodymium;
 using bench::gadolinium;
 using bench::row;
 
@@ -46,19 +48,6 @@ std::filesystem::path benchTableDirectory() {
     return std::filesystem::current_path() / "bench-engine-rme";
 }
 
-ParameterSet lanthanideAtFold2(int electrons, std::array<double, 5> main) {
-    ParameterSet set;
-    set.electronCount = electrons;
-    set.fold = 2;
-    set.mainFreeIon = {row("EAVG", main[0]), row("F2", main[1]), row("F4", main[2]), row("F6", main[3]),
-                       row("ZETA", main[4])};
-    set.otherFreeIon = {row("ALPHA", 18), row("BETA", -600), row("GAMMA", 1800)};
-    set.crystalField = {bkq(2, 0, -250), bkq(2, 2, -100), bkq(4, 0, 600), bkq(4, 2, 400), bkq(4, 4, 550),
-                        bkq(6, 0, 500), bkq(6, 2, -800), bkq(6, 4, -300), bkq(6, 6, -700)};
-    return set;
-}
-ParameterSet erbium() { return lanthanideAtFold2(11, {0, 97000, 68000, 53000, 2370}); }
-ParameterSet neodymium() { return lanthanideAtFold2(3, {0, 72000, 52000, 35000, 880}); }
 
 // The same ions with imaginary parts on every q > 0 row (about 40 % of the real part).
 ParameterSet withImaginaryParts(ParameterSet set) {

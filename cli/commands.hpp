@@ -18,5 +18,7 @@ void addTablesCommand(CLI::App& app);   // orvane tables build|compare|...
 void addCrystalFieldCommands(CLI::App& app);
 void addRunCommand(CLI::App& app);      // orvane run FILE.par
 void addBatchCommand(CLI::App& app);    // orvane batch LIST
+// orvane states|gfactors|moments|chi|intensities|jo-fit FILE.par
+void addPropertyCommands(CLI::App& app);
 
 }  // namespace orvane::cli

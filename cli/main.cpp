@@ -20,6 +20,7 @@ int main(int argc, char** argv) {
     orvane::cli::addCrystalFieldCommands(app);
     orvane::cli::addRunCommand(app);
     orvane::cli::addBatchCommand(app);
+    orvane::cli::addPropertyCommands(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

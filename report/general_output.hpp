@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "core/log_book.hpp"
+#include "core/physical_constants.hpp"
 #include "engine/barycentre_shift.hpp"
 #include "engine/free_ion_contributions.hpp"
 #include "engine/j_multiplet_elements.hpp"
@@ -15,9 +16,6 @@
 #include "engine/parameter_set.hpp"
 
 namespace orvane {
-
-// Free-electron spin g factor used for gJ (CODATA 2018).
-inline constexpr double kElectronSpinG = 2.0023193043622;
 
 // Energies closer than this (unit of the set) count as one degenerate level.
 inline constexpr double kDegeneracyTolerance = 1e-4;

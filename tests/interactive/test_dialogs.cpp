@@ -5,6 +5,7 @@
 
 #include "core/user_error.hpp"
 #include "engine/experiment_comparison.hpp"
+#include "interactive/property_dialogs.hpp"
 
 namespace orvane {
 namespace {
@@ -24,6 +25,24 @@ TEST(ExperimentComparison, PairsObservedWithCalculatedByPosition) {
         EXPECT_EQ(error.where()->line, 2);
         EXPECT_EQ(error.category(), ErrorCategory::ComparingEnergies);
     }
+}
+
+// The state-vector questions: defaults, the 0 substitutes, an omitted lower
+// limit, and an unusable answer asked again.
+TEST(PropertyDialogs, AnswersBecomeRequests) {
+    ScriptedAsker asker({"", "0 10 2", "5 1", "1 5", "3 10", "3 2 10", "3 0 10", "3 x", "0", "40 2 3"});
+    const auto smart = askSusceptibilityTemperatures(asker);
+    EXPECT_TRUE(smart && smart->lower == 0.001 && smart->upper == 300 && !smart->step);
+    const auto stepped = askSusceptibilityTemperatures(asker);
+    EXPECT_TRUE(stepped && stepped->lower == 0.01 && stepped->step == 2.0);
+    const auto retried = askSusceptibilityTemperatures(asker);  // "5 1" refused, "1 5" taken
+    EXPECT_TRUE(retried && retried->lower == 1 && retried->upper == 5);
+    EXPECT_EQ(asker.messages().size(), 1u);
+    const auto omitted = askStateRange(asker, 20), given = askStateRange(asker, 20);
+    EXPECT_TRUE(omitted && omitted->initial == 3 && omitted->first == 1 && omitted->last == 10);
+    EXPECT_TRUE(given && given->first == 2);
+    EXPECT_FALSE(askStateRange(asker, 20));  // two refused answers, then "0" refused and "40 2 3" refused, input ends
+    EXPECT_EQ(asker.messages().size(), 5u);
 }
 
 }  // namespace

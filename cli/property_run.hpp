@@ -1,0 +1,71 @@
+#pragma once
+// The shared front of the property commands (`orvane states`, `gfactors`,
+// `moments`, `chi`, `intensities`, `jo-fit`): run the engine in-process on a
+// parameter file and hand its eigenstates to the properties library; write a
+// CSV table to a file (atomically) or to standard output.
+#include <functional>
+#include <iosfwd>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include "core/log_book.hpp"
+#include "engine/parameter_set.hpp"
+#include "properties/property_states.hpp"
+
+namespace orvane::cli {
+
+struct PropertyRunOptions {
+    std::string file;
+    bool freeIon = false;
+    bool complex = false;
+    double spinG = 0.0;  // 0: the free-electron value
+    std::string tableDirectory;
+    std::string csv;     // "" none, "-" standard output
+    std::string vectors;   // a state-vector file (.ev) of an earlier run instead of solving
+    std::string accuracy;  // decimal places, or an accuracy limit such as 1E-5; "" the default pictures
+};
+
+// A property value in the report: the default picture, or with the decimal
+// places of --accuracy (a limit 1E-d gives d places).
+std::string propertyText(double value, const PropertyRunOptions& options, std::string_view defaultPicture);
+
+// Adds FILE, --free-ion, --complex, --gs, --tables and --csv.
+void addPropertyRunOptions(CLI::App& command, PropertyRunOptions& options);
+
+struct PropertyRun {
+    ParameterSet set;
+    PropertyStates states;
+    double spinG = 0.0;
+};
+
+// Throws UserError for a bad file or missing tables.
+PropertyRun runForProperties(const PropertyRunOptions& options, LogBook& log);
+
+// The report goes to standard output unless the CSV does.
+LogBook& reportLog(const PropertyRunOptions& options);
+
+// Writes the CSV text when asked.
+void writeCsv(const PropertyRunOptions& options, const std::string& text);
+
+// Runs `body`, mapping UserError and std::exception to exit code 1 with the message on stderr.
+void runPropertyCommand(const std::function<void()>& body);
+
+// The states the commands number 1, 2, ...: every state of a crystal-field
+// run; the first component of every multiplet of a free-ion run (there the
+// numbers count multiplets).
+std::vector<int> numberedStates(const PropertyRun& run);
+
+// A 1-based number given on the command line, checked against the run: the state it names.
+int stateIndex(const PropertyRun& run, int number, const std::string& option);
+
+// The number printed for a state (its multiplet's number in a free-ion run).
+int stateNumber(const PropertyRun& run, int state);
+
+// The states from the one numbered `first` to the last of the one numbered `last` (0-based, inclusive).
+std::pair<int, int> stateRange(const PropertyRun& run, int first, int last);
+
+}  // namespace orvane::cli
