@@ -120,28 +120,6 @@ Deviation deviationFrom(const std::vector<double>& published, const std::vector<
 
 // ---------------------------------------------------------------------------
 
-TEST(LaF3Reproduction, PraseodymiumComputedCheckValues) {
-    // Computed check values: Pr3+:LaF3 with the parameters of Carnall et al. 1989 (Table I), SOO + ECSO
-    // and no spin-spin, M^4 = 0.31 M^0 = 0.6448. Levels relative to the lowest.
-    ParameterSet set;
-    set.electronCount = 2;
-    set.fold = 2;
-    set.mainFreeIon = {row("EAVG", 0), row("F2", 68878), row("F4", 50347), row("F6", 32901), row("ZETA", 751.7)};
-    set.otherFreeIon = {row("ALPHA", 16.23), row("BETA", -566.6), row("GAMMA", 1371), row("M0", 2.08),
-                        row("M2", 1.1648),   row("M4", 0.6448),   row("P2", -88.6),   row("P4", -44.3),
-                        row("P6", -8.86)};
-    set.crystalField = {bkq(2, 0, -218), bkq(2, 2, -120), bkq(4, 0, 738),  bkq(4, 2, 431), bkq(4, 4, 616),
-                        bkq(6, 0, 679),  bkq(6, 2, -921), bkq(6, 4, -348), bkq(6, 6, -788)};
-    set.switches.noSpinSpin = true;
-    const auto levels = crystalFieldLevels(set, test::engineTableDirectory());
-    ASSERT_EQ(levels.size(), 91u);
-    const double expected[] = {0, 71.50, 94.93, 137.80, 182.51, 220.91, 333.32, 444.03, 462.70, 2126.18, 2157.47,
-                               2190.18};
-    for (std::size_t i = 0; i < std::size(expected); ++i)
-        EXPECT_NEAR(levels[i] - levels[0], expected[i], 0.01) << "level " << i;
-    EXPECT_NEAR(levels.back() - levels[0], 46964.55, 0.01) << "highest level";
-}
-
 TEST(LaF3Reproduction, PraseodymiumPublishedCalculatedLevels) {
     // Carnall et al. 1989, Pr3+:LaF3 appendix "Calc" column (91 levels, rounded to 1 cm^-1), with
     // M4 = 0.38 M0, P4 = 0.5 P2, P6 = 0.1 P2 and no spin-spin (as stated in that paper).
