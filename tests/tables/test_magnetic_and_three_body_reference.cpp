@@ -26,6 +26,8 @@
 namespace orvane {
 namespace {
 
+using test::termIndex;
+
 struct PublishedShell {
     PublishedTables tables;
     Eigen::MatrixXd transformation;  // generated = X * published
@@ -80,12 +82,6 @@ std::vector<std::string> splitCsv(const std::string& line) {
     return fields;
 }
 
-int termIndex(const ConfigurationTables& t, const std::string& label) {
-    for (std::size_t i = 0; i < t.terms.size(); ++i)
-        if (t.terms[i].label == label) return static_cast<int>(i);
-    return -1;
-}
-
 TEST(MagneticReference, SpinOtherOrbitAndCorrelatedSpinOrbitEqualPublishedMkPkBlocks) {
     ORVANE_REQUIRE_REFERENCE(reference);
     const auto& shells = publishedShells(reference);
@@ -126,8 +122,7 @@ TEST(MagneticReference, SpinSpinEqualsPublishedReducedElements) {
         if (m[0].size() == 0)
             for (auto& x : m) x = Eigen::MatrixXd::Zero(static_cast<int>(t.terms.size()), static_cast<int>(t.terms.size()));
         const int a = termIndex(t, f[1]), b = termIndex(t, f[2]);
-        ASSERT_GE(a, 0) << f[1];
-        ASSERT_GE(b, 0) << f[2];
+        ASSERT_TRUE(a >= 0 && b >= 0) << line;
         for (std::size_t c = 0; c < 3; ++c) m[c](a, b) = std::stod(f[3 + c]);
         ++rows;
     }
@@ -164,8 +159,6 @@ TEST(ThreeBodyReference, EqualsHansenJuddCrosswhiteTables) {
         for (std::size_t c = 0; c < 6; ++c) m[c](a, b) = m[c](b, a) = std::stod(f[5 + c]);
     }
     for (int n = 3; n <= 7; ++n) {
-        const auto& t = test::allConfigurationTables()[static_cast<std::size_t>(n)];
-        (void)t;
         // Compared in the published basis: X^T G X. The escalation through the published
         // CFPs gives Hansen's signs also for the f6 term 1S3 (no sign change needed here).
         const Eigen::MatrixXd& x = shells[static_cast<std::size_t>(n)].transformation;
