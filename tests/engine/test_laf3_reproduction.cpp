@@ -269,20 +269,5 @@ TEST(LaF3Reproduction, NeodymiumAndErbiumOnPublishedAndOwnTables) {
     }
 }
 
-TEST(LaF3Reproduction, ErbiumInTheActualShellOnPublishedAndOwnF11Tables) {
-    // "/actualshell": the f11 tables themselves (Orvane's from complementarity and the three-body and
-    // magnetic rules of f^(14-n); the published f11 file) give the same Er3+ levels.
-    ORVANE_REQUIRE_REFERENCE(reference);
-    const auto publishedTables = publishedTableDirectory(reference, 11, false, "published-f11-tables");
-    auto set = parameterSetOf(readPublishedIon(reference / "carnall-laf3" / "Er3plus-LaF3.txt"), 11);
-    set.switches.actualShell = true;
-    const auto own = crystalFieldLevels(set, test::engineTableDirectory());
-    const auto difference = levelDifference(own, crystalFieldLevels(set, publishedTables));
-    std::printf("Er3+ in f11 itself: own vs published f11 tables rms %.4f, largest %.4f cm^-1\n", difference.rms,
-                difference.largest);
-    EXPECT_LT(difference.rms, 0.05);
-    EXPECT_LT(difference.largest, 0.15);
-}
-
 }  // namespace
 }  // namespace orvane
