@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "core/angular.hpp"
+#include "params/stevens_lambda.hpp"
 #include "tests/engine/engine_test_support.hpp"
 
 namespace orvane {
@@ -61,27 +63,19 @@ EquivalenceCase t2Correction(int n, bool actualShell) {
             {false}};
 }
 
-// Stevens: A(q,k)<r^k> = lambda(k,q) Re B(k,q), A(-q,k)<r^k> = -lambda(k,q) Im B(k,q), lambda of
-// Goerller-Walrand & Binnemans, Handbook Phys. Chem. Rare Earths 23 (1996). Unit operators:
-// B(U) = <f||C(k)||f> B = -sqrt(28/15), sqrt(14/11), -sqrt(700/429) times B. Pr3+:LaF3 B(k,q)
-// with invented imaginary parts.
+// Pr3+:LaF3 B(k,q) with invented imaginary parts, in Wybourne's form and converted: Stevens
+// A(q,k)<r^k> = lambda(k,q) Re B(k,q), A(-q,k)<r^k> = -lambda(k,q) Im B(k,q) (lambda as checked
+// in tests/params); unit operators B(U) = <f||C(k)||f> B.
 EquivalenceCase convention(CfConvention form) {
-    struct Wybourne { int k, q; double re, im, lambda; };
-    const Wybourne rows[] = {{2, 0, -218, 0, 0.5},
-                             {2, 2, -120, 40, std::sqrt(6.0) / 2},
-                             {4, 0, 738, 0, 0.125},
-                             {4, 2, 431, -90, std::sqrt(10.0) / 4},
-                             {4, 4, 616, 55, std::sqrt(70.0) / 8},
-                             {6, 0, 679, 0, 1.0 / 16},
-                             {6, 2, -921, 30, std::sqrt(105.0) / 16},
-                             {6, 4, -348, -70, 3 * std::sqrt(14.0) / 16},
-                             {6, 6, -788, 120, std::sqrt(231.0) / 16}};
-    const double unit[7] = {0, 0, -std::sqrt(28.0 / 15), 0, std::sqrt(14.0 / 11), 0, -std::sqrt(700.0 / 429)};
-    std::vector<CrystalFieldRow> wybourne, other;
-    for (const auto& r : rows) {
-        wybourne.push_back(bkq(r.k, r.q, r.re, r.im));
-        other.push_back(form == CfConvention::Stevens ? bkq(r.k, r.q, r.lambda * r.re, -r.lambda * r.im)
-                                                      : bkq(r.k, r.q, unit[r.k] * r.re, unit[r.k] * r.im));
+    const double im[] = {0, 40, 0, -90, 55, 0, 30, -70, 120};
+    auto wybourne = test::laf3CrystalField();
+    std::vector<CrystalFieldRow> other;
+    for (std::size_t i = 0; i < wybourne.size(); ++i) {
+        auto& r = wybourne[i];
+        r = bkq(r.k, r.q, r.re.value, im[i]);
+        const bool stevens = form == CfConvention::Stevens;
+        const double f = stevens ? params::stevensFactor(r.k, r.q) : ReducedCk2(6, 2 * r.k, 6);
+        other.push_back(bkq(r.k, r.q, f * r.re.value, (stevens ? -f : f) * r.im.value));
     }
     auto second = test::praseodymiumLikeSet(2, 751.7, other, 2);
     second.cfConvention = form;

@@ -203,18 +203,6 @@ TEST(CubicApproximation, SetsKeepTheirInvariantsAndRotateIntoEachOther) {
     for (int k = 2; k <= 6; k += 2)
         for (int q = 0; q <= k; ++q)
             EXPECT_LT(std::abs(rotated[k][q] - c3[k][q]), 1e-9) << "B" << k << q;
-    // The check values of the rotated unit [001] set: B43' = -0.796819, B63' = -1.073435, B66' = 1.125828.
-    BkqArray unit{};
-    unit[4][0] = 1.0;
-    unit[4][4] = std::sqrt(5.0 / 14.0);
-    unit[6][0] = 1.0;
-    unit[6][4] = -std::sqrt(3.5);
-    const BkqArray u = rotateBkq(unit, c4ToC3Angles());
-    EXPECT_NEAR(u[4][0].real(), -2.0 / 3.0, 1e-12);
-    EXPECT_NEAR(u[4][3].real(), -0.796819, 1e-6);
-    EXPECT_NEAR(u[6][0].real(), 16.0 / 9.0, 1e-12);
-    EXPECT_NEAR(u[6][3].real(), -1.073435, 1e-6);
-    EXPECT_NEAR(u[6][6].real(), 1.125828, 1e-6);
 }
 
 TEST(CubicApproximation, UncertaintiesListingAndAdoption) {
@@ -228,7 +216,6 @@ TEST(CubicApproximation, UncertaintiesListingAndAdoption) {
     EXPECT_NEAR(set[1].value / set[0].value, std::sqrt(5.0 / 14.0), 1e-12);
     EXPECT_NEAR(set[3].value / set[2].value, -std::sqrt(3.5), 1e-12);
     EXPECT_NEAR(set[3].sigma, std::sqrt(3.5) * std::sqrt(13.0 / 8.0) * 2.0, 1e-12);
-
 }
 
 }  // namespace

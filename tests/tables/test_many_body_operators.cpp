@@ -1,8 +1,7 @@
-// Magnetic and three-body operators of f^n: spin-spin orthogonal to the rank-one
-// operators, the two-body escalation against the U(k) route of the Coulomb
-// matrices, the three-body operators traceless, mutually orthogonal and
-// orthogonal to the two-body ones with the pure three-body norm scaling, and
-// the three-body escalation (factor n/(n-3) through fractional parentage)
+// Three-body operators of f^n (the magnetic ones are compared with the published
+// tables in test_magnetic_and_three_body_reference.cpp): traceless, mutually
+// orthogonal and orthogonal to the two-body ones with the pure three-body norm
+// scaling, and the three-body escalation (factor n/(n-3) through fractional parentage)
 // against second quantisation: the f3 operator lifted to Slater determinants,
 // O = sum_{d,d'} <d|O|d'> A+_d A_d' with A+_d = a+_p1 a+_p2 a+_p3 (p1 < p2 < p3),
 // applied to the generated highest-weight states of f4 and f5 (the two routes
@@ -12,8 +11,6 @@
 
 #include <gtest/gtest.h>
 
-#include "core/angular.hpp"
-#include "tables/magnetic_tables.hpp"
 #include "tables/slater_determinants.hpp"
 #include "tables/three_body_tables.hpp"
 #include "tables/two_body_escalation.hpp"
@@ -22,71 +19,9 @@
 namespace orvane {
 namespace {
 
-const std::vector<MagneticOperators>& allMagnetic() {
-    static const auto all = magneticOperatorsOfAll(test::allConfigurationTables());
-    return all;
-}
-
 const std::vector<ThreeBodyOperators>& allThreeBody() {
     static const auto all = threeBodyOperatorsOfAll(test::allConfigurationTables());
     return all;
-}
-
-TEST(MagneticOperators, SpinSpinAndRankOneOperatorsAreOrthogonalInEveryShell) {
-    // The direct trace of a (22) with an (11) scalar product over the |SLJM> states,
-    // computed from the J-resolved matrices: sum_J [J] <SLJ|A|S'L'J><S'L'J|B|SLJ> = 0.
-    for (int n = 2; n <= 12; ++n) {
-        const auto& t = test::allConfigurationTables()[static_cast<std::size_t>(n)];
-        const auto so = spinOrbitOf(t.terms);
-        const auto& m = allMagnetic()[static_cast<std::size_t>(n)];
-        // <SLJ|X(t)|S'L'J> = (-1)^(S'+L+J) {S' L' J; L S t} <SL||X||S'L'>
-        auto element = [&](std::size_t bra, std::size_t ket, int twiceJ, int rank, const Eigen::MatrixXd& x) {
-            const auto& a = so[bra];
-            const auto& b = so[ket];
-            return PhaseSign((b.twiceS + 2 * a.L + twiceJ) / 2) *
-                   SixJ2(b.twiceS, 2 * b.L, twiceJ, 2 * a.L, a.twiceS, 2 * rank) *
-                   x(static_cast<int>(bra), static_cast<int>(ket));
-        };
-        double cross = 0.0, norm = 0.0;
-        for (std::size_t i = 0; i < so.size(); ++i)
-            for (std::size_t j = 0; j < so.size(); ++j)
-                for (int twiceJ = std::abs(so[i].twiceS - 2 * so[i].L); twiceJ <= so[i].twiceS + 2 * so[i].L;
-                     twiceJ += 2) {
-                    const double soo = element(j, i, twiceJ, 1, m.spinOtherOrbit[0]);
-                    cross += (twiceJ + 1) * element(i, j, twiceJ, 2, m.spinSpin[0]) * soo;
-                    norm += (twiceJ + 1) * element(i, j, twiceJ, 1, m.spinOtherOrbit[0]) * soo;
-                }
-        EXPECT_NEAR(cross, 0.0, 1e-8 * norm) << "f" << n;
-        // The J-resolved trace of msoo0^2 equals the reduced-element formula of the trace matrix.
-        EXPECT_NEAR(norm, magneticTraceMatrix(m)(3, 3), 1e-8 * norm) << "f" << n;
-    }
-}
-
-TEST(TwoBodyEscalation, RankZeroDoubleTensorAndScalarRouteReproduceCoulombMatrices) {
-    // f(k) is a pure two-body scalar operator: escalating the f2 matrix must give the
-    // f(k) that the U(k) route (Coulomb formula over all intermediate terms) gives in f3..f7.
-    const auto& all = test::allConfigurationTables();
-    for (int k = 0; k < 3; ++k) {
-        Eigen::MatrixXd scalar = all[2].coulomb[static_cast<std::size_t>(k)];
-        auto reducedOf = [](const ConfigurationTables& t, const Eigen::MatrixXd& m) {
-            const auto so = spinOrbitOf(t.terms);
-            Eigen::VectorXd d(static_cast<int>(so.size()));
-            for (std::size_t i = 0; i < so.size(); ++i)
-                d[static_cast<int>(i)] = std::sqrt((so[i].twiceS + 1.0) * (2 * so[i].L + 1.0));
-            return Eigen::MatrixXd(d.asDiagonal() * m);
-        };
-        Eigen::MatrixXd reduced = reducedOf(all[2], scalar);
-        for (int n = 3; n <= 7; ++n) {
-            const auto& t = all[static_cast<std::size_t>(n)];
-            const auto terms = spinOrbitOf(t.terms), parents = spinOrbitOf(t.parents);
-            scalar = escalateScalarOperator(n, 2, terms, parents, t.cfp, scalar);
-            reduced = escalateTwoBodyDoubleTensor(n, 0, terms, parents, t.cfp, reduced);
-            const Eigen::MatrixXd& expected = t.coulomb[static_cast<std::size_t>(k)];
-            EXPECT_LT((scalar - expected).cwiseAbs().maxCoeff(), 1e-10) << "scalar route f" << n << " k=" << 2 * k + 2;
-            EXPECT_LT((reduced - reducedOf(t, expected)).cwiseAbs().maxCoeff(), 1e-10)
-                << "double-tensor route f" << n << " k=" << 2 * k + 2;
-        }
-    }
 }
 
 double binomial(int n, int k) { return std::tgamma(n + 1.0) / (std::tgamma(k + 1.0) * std::tgamma(n - k + 1.0)); }

@@ -1,5 +1,7 @@
 // The term basis generated from Slater determinants and its tables: term lists
-// against the published order, the parentage rules, the unit tensors and
+// against the published order (the parentage values against the published
+// tables in test_published_comparison.cpp, their phase and pair conventions
+// through the delivered data in test_table_files.cpp), the unit tensors and
 // Coulomb matrices against operators projected directly from the determinant
 // basis, the transposition phase of the stored half and the symmetry of the
 // L-correlated crystal-field tables.
@@ -44,44 +46,6 @@ TEST(TermGenerator, TermListsEqualThePublishedOrder) {
     }
     ASSERT_EQ(test::allConfigurationTables()[14].terms.size(), 1u);
     EXPECT_EQ(test::allConfigurationTables()[14].terms[0].label, "1S");
-}
-
-TEST(TermGenerator, ParentageRowsAreOrthonormal) {
-    // sum over parents of cfp(psi) cfp(psi') = delta for terms of equal S and L.
-    for (int n = 1; n <= 7; ++n) {
-        const auto& c = generatedConfigurations()[n];
-        const Eigen::MatrixXd overlap = c.cfp * c.cfp.transpose();
-        for (int i = 0; i < overlap.rows(); ++i) {
-            EXPECT_NEAR(overlap(i, i), 1.0, 1e-12) << "f" << n << " " << c.terms[i].label;
-            for (int j = 0; j < i; ++j) {
-                if (c.terms[i].twiceS != c.terms[j].twiceS || c.terms[i].L != c.terms[j].L) continue;
-                EXPECT_NEAR(overlap(i, j), 0.0, 1e-12) << c.terms[i].label << c.terms[j].label;
-            }
-        }
-    }
-}
-
-TEST(TermGenerator, PhaseRuleMakesTheFirstCoefficientPositive) {
-    for (int n = 1; n <= 7; ++n) {
-        const auto& c = generatedConfigurations()[n];
-        for (int i = 0; i < c.cfp.rows(); ++i) {
-            int j = 0;
-            while (j < c.cfp.cols() && c.cfp(i, j) == 0.0) ++j;
-            ASSERT_LT(j, c.cfp.cols());
-            EXPECT_GT(c.cfp(i, j), 0.0) << "f" << n << " " << c.terms[i].label;
-        }
-    }
-}
-
-TEST(TermGenerator, PairRuleLeavesTheSecondStateWithoutTheFirstParent) {
-    // f5 2F6/2F7 (v 5, W 221, U 31) is one of the repeated pairs.
-    const auto& f5 = generatedConfigurations()[5];
-    const int a = termIndex(f5, "2F6");
-    const int b = termIndex(f5, "2F7");
-    int j = 0;
-    while (f5.cfp(a, j) == 0.0 && f5.cfp(b, j) == 0.0) ++j;
-    EXPECT_GT(f5.cfp(a, j), 0.0);
-    EXPECT_EQ(f5.cfp(b, j), 0.0);
 }
 
 // Determinant-space matrix element <psi, M=L| U(k)_q |psi', M'=L'> with q = L - L'.
