@@ -269,10 +269,18 @@ ExactSymbol exactNineJ(const std::array<int, 9>& j) {
     const int xMin = std::max({std::abs(j[3] - j[7]), std::abs(j[0] - j[8]), std::abs(j[1] - j[5])});
     const int xMax = std::min({j[3] + j[7], j[0] + j[8], j[1] + j[5]});
     std::vector<Rational> terms;
+    // The 6j symbols repeat across 9j symbols: each is evaluated once.
+    static std::map<std::array<int, 6>, ExactSymbol> sixJ;
+    auto cached = [](int a, int b, int c, int d, int e, int f) -> const ExactSymbol& {
+        const std::array<int, 6> key{a, b, c, d, e, f};
+        auto found = sixJ.find(key);
+        if (found == sixJ.end()) found = sixJ.emplace(key, exactSixJ(a, b, c, d, e, f)).first;
+        return found->second;
+    };
     for (int x = xMin; x <= xMax; x += 2) {
-        const ExactSymbol a = exactSixJ(j[0], j[3], j[6], j[7], j[8], x);
-        const ExactSymbol b = exactSixJ(j[1], j[4], j[7], j[3], x, j[5]);
-        const ExactSymbol c = exactSixJ(j[2], j[5], j[8], x, j[0], j[1]);
+        const ExactSymbol& a = cached(j[0], j[3], j[6], j[7], j[8], x);
+        const ExactSymbol& b = cached(j[1], j[4], j[7], j[3], x, j[5]);
+        const ExactSymbol& c = cached(j[2], j[5], j[8], x, j[0], j[1]);
         if (a.isZero() || b.isZero() || c.isZero()) continue;
         Rational term;
         term.numerator = a.value.numerator * b.value.numerator * c.value.numerator;
@@ -298,13 +306,15 @@ struct Agreement {
     long failures = 0;
     std::string firstFailure;
 
-    void check(double computed, const ExactSymbol& exact, const std::string& label) {
+    // `label` (a callable giving the symbol's text) is evaluated for the first failure only.
+    template <typename Label>
+    void check(double computed, const ExactSymbol& exact, const Label& label) {
         ++count;
         const double value = exact.toDouble();
         const bool ok = exact.isZero() ? std::fabs(computed) <= 1e-14
                                        : std::fabs(computed - value) <= 1e-12 * std::fabs(value);
         if (!ok && failures++ == 0)
-            firstFailure = label + ": computed " + std::to_string(computed) + ", exact " + std::to_string(value);
+            firstFailure = label() + ": computed " + std::to_string(computed) + ", exact " + std::to_string(value);
     }
 };
 
@@ -340,7 +350,7 @@ TEST(ExactSymbols, EveryThreeJUpToEightAgrees) {
                         if (std::abs(m3) > j3) continue;
                         agreement.check(orvane::ThreeJ2(j1, j2, j3, m1, m2, m3),
                                         exactThreeJ(j1, j2, j3, m1, m2, m3),
-                                        "3j " + twiceLabel({j1, j2, j3, m1, m2, m3}));
+                                        [&] { return "3j " + twiceLabel({j1, j2, j3, m1, m2, m3}); });
                     }
             }
     EXPECT_GT(agreement.count, 90000);  // every valid 3j with j <= 8
@@ -361,7 +371,7 @@ TEST(ExactSymbols, EverySixJUpToEightAgrees) {
                             if (!triad(s[0], s[4], s[5]) || !triad(s[3], s[1], s[5])) continue;
                             agreement.check(orvane::SixJ2(s[0], s[1], s[2], s[3], s[4], s[5]),
                                             exactSixJ(s[0], s[1], s[2], s[3], s[4], s[5]),
-                                            "6j " + twiceLabel({s[0], s[1], s[2], s[3], s[4], s[5]}));
+                                            [&] { return "6j " + twiceLabel({s[0], s[1], s[2], s[3], s[4], s[5]}); });
                         }
                     }
             }
@@ -376,7 +386,7 @@ bool validNineJ(const std::array<int, 9>& j) {
 
 void checkNineJ(const std::array<int, 9>& j, Agreement& agreement) {
     agreement.check(orvane::NineJ2(j[0], j[1], j[2], j[3], j[4], j[5], j[6], j[7], j[8]), exactNineJ(j),
-                    "9j " + twiceLabel({j[0], j[1], j[2], j[3], j[4], j[5], j[6], j[7], j[8]}));
+                    [&] { return "9j " + twiceLabel({j[0], j[1], j[2], j[3], j[4], j[5], j[6], j[7], j[8]}); });
 }
 
 TEST(ExactSymbols, EveryNineJUpToFourAgrees) {

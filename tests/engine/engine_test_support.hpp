@@ -17,8 +17,6 @@
 #include "engine/configuration_tables.hpp"
 #include "engine/energy_levels.hpp"
 #include "engine/parameter_set.hpp"
-#include "tables/table_builder.hpp"
-#include "tables/term_generator.hpp"
 
 namespace orvane::test {
 
@@ -43,13 +41,15 @@ inline CrystalFieldRow bkq(int k, int q, double re, double im = 0.0) {
     return {k, q, {fmt::format("{}", re), re}, {fmt::format("{}", im), im}};
 }
 
-// In-memory tables of f^n, built once per configuration for the whole program.
-inline const EngineTables& inMemoryTables(int n) {
-    static const auto generated = generateConfigurations(7);
+// The tables of f^n read from the shared table directory (written there when
+// missing), once per configuration for the whole program.
+inline const EngineTables& engineTables(int n) {
     static std::map<int, EngineTables> cache;
     auto found = cache.find(n);
-    if (found == cache.end())
-        found = cache.emplace(n, engineTablesFrom(computeConfigurationTables(n, generated))).first;
+    if (found == cache.end()) {
+        MemoryLogBook log;
+        found = cache.emplace(n, loadEngineTables(n, engineTableDirectory(), log)).first;
+    }
     return found->second;
 }
 

@@ -115,7 +115,7 @@ TEST(EnergyLevelDerivatives, MatchCentralFiniteDifferences) {
         auto plus = set, minus = set;
         c.value(plus) += 0.25;
         c.value(minus) -= 0.25;
-        const auto up = run(plus, true), down = run(minus, true);
+        const auto up = test::runLevels(plus, {true, false, true}), down = test::runLevels(minus, {true, false, true});
         const std::size_t step = set.electronCount % 2 == 1 ? 2 : 1;
         for (std::size_t level = 0; level < 20; level += step) {
             double numeric = 0.0, analytic = 0.0;
@@ -144,7 +144,7 @@ TEST(EnergyLevels, ImpossibleSetsAreRefusedWithTheirMessage) {
 
 TEST(EnergyLevels, MinimumMultiplicityDropsDoubletTerms) {
     // f3 quartets: 4S, 4D, 4F, 4G, 4I -> J-states 1 + 4 + 4 + 4 + 4 = 17.
-    const auto& tables = test::inMemoryTables(3);
+    const auto& tables = test::engineTables(3);
     const auto basis = buildJBasis(tables.terms, 3);
     EXPECT_EQ(basis.states.size(), 17u);
     for (const auto& state : basis.states) EXPECT_EQ(tables.terms[state.term].twiceS, 3);

@@ -1,6 +1,6 @@
 // Three-body, magnetic and correlated spin-orbit interactions of the free-ion
-// stage: component values on the conjugate route and for the spin-spin forms,
-// "/usezic", "/t2correction", and the per-level shares.
+// stage: "/usezic", "/t2correction" and the per-level shares (the operators
+// themselves: test_free_ion_determinants.cpp and test_equivalent_inputs.cpp).
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -11,9 +11,7 @@
 #include <fmt/format.h>
 
 #include "core/atomic_file.hpp"
-#include "core/log_book.hpp"
 #include "core/user_error.hpp"
-#include "engine/energy_levels.hpp"
 #include "engine/free_ion_contributions.hpp"
 #include "tables/table_directory.hpp"
 #include "tests/engine/engine_test_support.hpp"
@@ -24,71 +22,6 @@ namespace {
 
 ParameterSet neodymiumLike(int n) { return test::neodymiumLikeSet(n); }
 
-using test::bkq;
-using test::row;
-
-std::filesystem::path tableDirectory() { return test::engineTableDirectory(); }
-
-// The diagonal element of a component at the |SLJ> state of a term label and 2J.
-double diagonalAt(const FreeIonOperators& operators, const FreeIonComponent& component, const EngineTables& tables,
-                  const std::string& label, int twiceJ) {
-    const auto& basis = operators.basis;
-    for (std::size_t b = 0; b < basis.blocks.size(); ++b) {
-        const auto& states = basis.blocks[b].states;
-        for (std::size_t i = 0; i < states.size(); ++i) {
-            const auto& state = basis.states[static_cast<std::size_t>(states[i])];
-            if (tables.terms[static_cast<std::size_t>(state.term)].label == label && state.twiceJ == twiceJ)
-                return component.blocks[b](static_cast<Eigen::Index>(i), static_cast<Eigen::Index>(i));
-        }
-    }
-    ADD_FAILURE() << "no state " << label << " 2J=" << twiceJ;
-    return 0.0;
-}
-
-const FreeIonComponent& componentNamed(const FreeIonOperators& operators, const std::string& name) {
-    if (const auto* component = findComponent(operators, name)) return *component;
-    for (const auto& part : operators.magneticParts)
-        if (part.name == name) return part;
-    throw std::runtime_error("no component " + name);
-}
-
-TEST(FreeIonInteractions, ComponentDiagonalsEqualCheckValues) {
-    // Diagonals of the operators at pure |SLJ> states; the three-body values are Hansen, Judd &
-    // Crosswhite, At. Data Nucl. Data Tables 62, 1 (1996), the f10 value follows from the conjugate rule
-    // t2(f10, 5D) = -t2'(f4, 5D) + 8 e3(5D)/(70 sqrt 2) = -1.555635 + 8 x 33/(70 sqrt 2) = 1.111168.
-    // Published values carry 6 decimals (and rounding of the order of 5e-6): tolerance 1e-5.
-    // Magnetic f2 3P0 values: spin-spin <3P||T(22)||3P> = -12 M0 (Judd, Crosswhite & Crosswhite 1968)
-    // times {1 1 0; 1 1 2} = 1/3 -> -4 (rank 1 by mistake: {1 1 0; 1 1 1} = -1/3 -> +4);
-    // SOO + ECSO <3P||X(11)||3P> = (-61/2 M0, ..., -0.2388889 P2) times -1/3 (Judd, Crosswhite &
-    // Crosswhite, Phys. Rev. 169, 130 (1968), Table I).
-    struct Case {
-        int tableShell, electrons;
-        SpinSpinForm spinSpin;
-        const char* component;
-        const char* label;
-        int twiceJ;
-        double expected;
-    };
-    const Case cases[] = {
-        {3, 3, SpinSpinForm::Rank2, "T2", "4D", 5, 1.111168},  {3, 3, SpinSpinForm::Rank2, "T2'", "4D", 7, 0.777817},
-        {4, 4, SpinSpinForm::Rank2, "T2", "5D", 2, 2.222329},  {4, 10, SpinSpinForm::Rank2, "T2", "5D", 2, 1.111168},
-        {10, 10, SpinSpinForm::Rank2, "T2", "5D", 4, 1.111168}, {2, 2, SpinSpinForm::Rank2, "mss0", "3P", 0, -4.0},
-        {2, 2, SpinSpinForm::WrongRank1, "mss0", "3P", 0, 4.0}, {2, 2, SpinSpinForm::Rank2, "msoo0", "3P", 0, 61.0 / 6},
-        {2, 2, SpinSpinForm::Rank2, "M0", "3P", 0, 61.0 / 6 - 4}, {2, 2, SpinSpinForm::Dropped, "M0", "3P", 0, 61.0 / 6},
-        {2, 2, SpinSpinForm::Rank2, "P2", "3P", 0, 0.2388889 / 3},
-    };
-    for (const Case& c : cases) {
-        MemoryLogBook log;
-        const auto tables = loadEngineTables(c.tableShell, tableDirectory(), log);
-        FreeIonBuildOptions options;
-        options.electrons = c.electrons;
-        options.spinSpin = c.spinSpin;
-        const auto operators = buildFreeIonOperators(tables, options);
-        EXPECT_NEAR(diagonalAt(operators, componentNamed(operators, c.component), tables, c.label, c.twiceJ),
-                    c.expected, 1e-5)
-            << c.component << " at " << c.label << " in f" << c.electrons << " from the tables of f" << c.tableShell;
-    }
-}
 
 std::vector<double> freeIonEnergies(const ParameterSet& set, const std::filesystem::path& directory) {
     return test::levelEnergies(test::runLevels(set, {false}, directory));
@@ -145,8 +78,9 @@ TEST(FreeIonContributions, SharesAddUpToEveryLevelEnergy) {
             largestThreeBody = std::max(largestThreeBody, std::abs(share.shifts[8].value));
             // E(SS) = sum M^k <mss_k>, E(EL-SO) = sum P^k <p_k> (the elements of p_k are printed times 100).
             const auto& e = share.magneticElements;
-            if (!c.noSpinSpin)
+            if (!c.noSpinSpin) {
                 EXPECT_NEAR(share.magneticShifts[0].value, 2.11 * e[0].value + 1.18 * e[1].value + 0.80 * e[2].value, 1e-9);
+            }
             EXPECT_NEAR(share.magneticShifts[2].value, (192 * e[6].value + 96 * e[7].value + 19.2 * e[8].value) / 100,
                         1e-9);
         }
