@@ -51,6 +51,8 @@ struct ToeplitzCase {
     double a, b, phi;  // phi = 0: the real symmetric solvers too
 };
 
+void PrintTo(const ToeplitzCase& c, std::ostream* os) { *os << "n " << c.n << ", phi " << c.phi; }
+
 class EigenToeplitz : public ::testing::TestWithParam<ToeplitzCase> {};
 
 TEST_P(EigenToeplitz, AnalyticEigenpairsAllAndLowest) {

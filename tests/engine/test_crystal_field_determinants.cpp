@@ -141,6 +141,12 @@ struct DeterminantCase {
     unsigned seed;
 };
 
+std::string caseName(const DeterminantCase& c) {
+    return "f" + std::to_string(c.n) + "_fold" + std::to_string(c.fold) + (c.complex ? "_complex" : "_real") +
+           (c.actualShell ? "_actual_shell" : "") + (c.correlation ? "_correlation" : "");
+}
+void PrintTo(const DeterminantCase& c, std::ostream* os) { *os << caseName(c); }
+
 class CrystalFieldDeterminants : public ::testing::TestWithParam<DeterminantCase> {};
 
 TEST_P(CrystalFieldDeterminants, EngineMatchesTheDeterminantHamiltonian) {
@@ -170,11 +176,7 @@ INSTANTIATE_TEST_SUITE_P(
                       DeterminantCase{2, 1, false, false, true, 21}, DeterminantCase{2, 1, true, false, true, 22},
                       DeterminantCase{3, 1, false, false, true, 23}, DeterminantCase{3, 1, true, false, true, 24},
                       DeterminantCase{12, 1, true, false, true, 26}, DeterminantCase{12, 2, false, true, true, 27}),
-    [](const auto& info) {
-        const auto& c = info.param;
-        return "f" + std::to_string(c.n) + "_fold" + std::to_string(c.fold) + (c.complex ? "_complex" : "_real") +
-               (c.actualShell ? "_actual_shell" : "") + (c.correlation ? "_correlation" : "");
-    });
+    [](const auto& info) { return caseName(info.param); });
 
 }  // namespace
 }  // namespace orvane

@@ -26,6 +26,7 @@ struct EquivalenceCase {
     bool relative = false;  // equal up to one constant
     EnergyLevelOptions options{};
 };
+void PrintTo(const EquivalenceCase& c, std::ostream* os) { *os << c.name; }
 
 EquivalenceCase conjugateRoute(int n, int fold) {
     auto set = test::neodymiumLikeSet(n);

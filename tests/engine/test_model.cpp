@@ -26,6 +26,8 @@ struct DerivativeCase {
     bool complex;
 };
 
+void PrintTo(const DerivativeCase& c, std::ostream* os) { *os << c.name; }
+
 class ModelDerivatives : public ::testing::TestWithParam<DerivativeCase> {};
 
 // dE/dp by Hellmann-Feynman equals the central difference of the sorted
