@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -30,6 +31,10 @@ std::vector<double> freeIonEnergies(const ParameterSet& set, const std::filesyst
 TEST(FreeIonInteractions, UseZicReadsTheZFormMagneticFiles) {
     // Both file pairs hold the same elements: equal levels. A broken "rmzic.val" is then
     // reported only by the "/usezic" run, a broken "mesooci.val" only by the default run.
+    // Many-body tables already in the per-user cache would be read from there: an empty cache.
+    const char* oldCache = std::getenv("XDG_CACHE_HOME");
+    const std::string savedCache = oldCache ? oldCache : "";
+    ::setenv("XDG_CACHE_HOME", test::scratchDirectory("usezic-cache").c_str(), 1);
     const auto directory = test::scratchDirectory("usezic-tables");
     auto set = neodymiumLike(2);
     auto zic = set;
@@ -39,6 +44,7 @@ TEST(FreeIonInteractions, UseZicReadsTheZFormMagneticFiles) {
     writeFileAtomically(broken, readTextFile(broken) + "1 2  x 0 0 0 0 0\n");
     EXPECT_NO_THROW(freeIonEnergies(set, directory));
     EXPECT_THROW(freeIonEnergies(zic, directory), UserError);  // a broken rmzic.val stops the /usezic run
+    if (oldCache) ::setenv("XDG_CACHE_HOME", savedCache.c_str(), 1); else ::unsetenv("XDG_CACHE_HOME");
 }
 
 TEST(FreeIonInteractions, T2CorrectionMovesTheE3PartIntoTheSlaterParameters) {
