@@ -1,6 +1,6 @@
-// Angular-momentum coefficients: published and computed check values, the
-// tolerances of the real-valued boundary functions, symmetries, the factorial
-// table's limit, reduced matrix elements of C(k) and the rotation matrices.
+// Angular-momentum coefficients beyond the exact comparison: invalid symbols,
+// the Clebsch-Gordan phase, the factorial table's limit, reduced matrix
+// elements of C(k) and the rotation matrices.
 #include <cmath>
 #include <numbers>
 #include <string>
@@ -13,26 +13,6 @@
 namespace {
 
 using namespace orvane;
-
-const double kRoot3 = std::sqrt(3.0);
-
-TEST(FactorialTable, HoldsZeroToSeventyNineFactorial) {
-    const auto& table = FactorialTable();
-    ASSERT_EQ(table.size(), 80u);
-    EXPECT_EQ(table[0], 1.0);
-    EXPECT_EQ(table[20], 2432902008176640000.0);        // 20! is exact in double
-    EXPECT_NEAR(table[79] / 8.946182130782976e116, 1.0, 1e-14);  // 79! = 8.9461821307829757e116
-    EXPECT_EQ(Factorial(79), table[79]);
-}
-
-TEST(TriangleCoefficient, MatchesTheFactorialRatio) {
-    // Delta(1 1 0) = sqrt(2! 0! 0! / 3!) = 1/sqrt(3); Delta(3 3 2) = sqrt(4! 2! 2! / 9!)
-    EXPECT_NEAR(TriangleCoefficient(1, 1, 0), 1.0 / kRoot3, 1e-15);
-    EXPECT_NEAR(TriangleCoefficient(3, 3, 2), std::sqrt(24.0 * 2 * 2 / 362880.0), 1e-15);
-    EXPECT_NEAR(TriangleCoefficient(0.5, 0.5, 1), std::sqrt(1.0 / 6.0), 1e-15);
-    EXPECT_EQ(TriangleCoefficient(1, 1, 3), 0.0);  // broken triangle
-    EXPECT_EQ(TriangleCoefficient2(1, 1, 1), 0.0);  // half-integral sum
-}
 
 TEST(WignerSymbols, InvalidSymbolsAreZero) {
     struct Case {
@@ -57,26 +37,13 @@ TEST(WignerSymbols, InvalidSymbolsAreZero) {
     EXPECT_EQ(NineJ(1, 1, 1, 1, 1, 1, 3, 1, 1), 0.0) << "column (1 1 3)";
 }
 
-TEST(WignerSymbols, ClebschGordanCoefficientsAreOrthonormal) {
+TEST(WignerSymbols, ClebschGordanCoefficientsHaveTheCondonShortleyPhase) {
     // Condon-Shortley values: <1/2 1/2, 1/2 -1/2 | 0 0> = 1/sqrt(2), <1/2 -1/2, 1/2 1/2 | 0 0> = -1/sqrt(2),
     // <1 1, 1 -1 | 2 0> = 1/sqrt(6), <1 0, 1 0 | 1 0> = 0.
     EXPECT_NEAR(ClebschGordan2(1, 1, 1, -1, 0, 0), 1.0 / std::sqrt(2.0), 1e-15);
     EXPECT_NEAR(ClebschGordan2(1, -1, 1, 1, 0, 0), -1.0 / std::sqrt(2.0), 1e-15);
     EXPECT_NEAR(ClebschGordan2(2, 2, 2, -2, 4, 0), 1.0 / std::sqrt(6.0), 1e-15);
     EXPECT_EQ(ClebschGordan2(2, 0, 2, 0, 2, 0), 0.0);
-    // sum_{m1 m2} <j1 m1 j2 m2|J M><j1 m1 j2 m2|J' M> = delta(J, J') (Edmonds 1957, section 3.5).
-    for (int tj1 = 0; tj1 <= 7; ++tj1)
-        for (int tj2 = 0; tj2 <= 7; ++tj2)
-            for (int tJ = std::abs(tj1 - tj2); tJ <= tj1 + tj2; tJ += 2)
-                for (int tJp = std::abs(tj1 - tj2); tJp <= tj1 + tj2; tJp += 2)
-                    for (int tM = -std::min(tJ, tJp); tM <= std::min(tJ, tJp); tM += 2) {
-                        double overlap = 0.0;
-                        for (int tm1 = -tj1; tm1 <= tj1; tm1 += 2)
-                            overlap += ClebschGordan2(tj1, tm1, tj2, tM - tm1, tJ, tM) *
-                                       ClebschGordan2(tj1, tm1, tj2, tM - tm1, tJp, tM);
-                        EXPECT_NEAR(overlap, tJ == tJp ? 1.0 : 0.0, 1e-13)
-                            << tj1 << " " << tj2 << " " << tJ << " " << tJp << " " << tM;
-                    }
 }
 
 TEST(WignerSymbols, FactorialsBeyondTheTableThrow) {
@@ -156,8 +123,6 @@ TEST(RotationMatrixD, IsOrthogonalAndComposes) {
             const double beta2 = 1.3;
             EXPECT_LT(largestDifference(d * RotationMatrixD(J, beta2), RotationMatrixD(J, beta1 + beta2)), 1e-13)
                 << "J=" << J;
-            // d^J_{m m'}(-beta) = d^J_{m' m}(beta).
-            EXPECT_LT(largestDifference(RotationMatrixD(J, -beta1), d.transpose()), 1e-13);
         }
         EXPECT_LT(largestDifference(RotationMatrixD2(twiceJ, 0.8), RotationMatrixD(J, 0.8)), 1e-15);
     }

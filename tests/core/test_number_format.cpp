@@ -54,12 +54,6 @@ TEST(PictureFormat, MatchesHandWorkedText) {
             << c.what << ": value " << c.value << " picture \"" << c.picture << "\"";
 }
 
-TEST(PictureFormatSpecial, NonFiniteValuesAreNamed) {
-    EXPECT_EQ(formatNumber(std::numeric_limits<double>::quiet_NaN(), "#0.00"), "NaN");
-    EXPECT_EQ(formatNumber(std::numeric_limits<double>::infinity(), "#0.00"), "Inf");
-    EXPECT_EQ(formatNumber(-std::numeric_limits<double>::infinity(), "#0.00"), "-Inf");
-}
-
 struct GeneralCase {
     double value;
     const char* expected;

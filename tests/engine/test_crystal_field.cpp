@@ -1,29 +1,28 @@
 // The crystal-field stage: first-order splittings against closed forms
-// (Stevens factors), blocking by the fold, invariants of the spectrum and the
-// conjugate-configuration route against the actual shell.
+// (Stevens factors), refused parameters, the lowest-m request, eigenvectors of
+// Kramers partner blocks by time reversal, the cubic crystal field
+// ("/cubiccf"), orthogonal correlation tables and the derivatives by the
+// correlation parameters.
 #include "engine/crystal_field.hpp"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
+#include <complex>
 #include <string>
 #include <vector>
 
-#include <fmt/format.h>
-
-#include "core/log_book.hpp"
+#include "core/angular.hpp"
+#include "core/atomic_file.hpp"
 #include "core/user_error.hpp"
-#include "engine/energy_levels.hpp"
+#include "engine/crystal_field_parameters.hpp"
+#include "tables/table_directory.hpp"
 #include "tests/engine/engine_test_support.hpp"
 #include "tests/support/reference_data.hpp"
 
 namespace orvane {
 namespace {
-
-std::filesystem::path tableDirectory() { return test::engineTableDirectory(); }
-
-using test::row;
 
 using test::bkq;
 
@@ -31,28 +30,9 @@ ParameterSet ionSet(int n, double zeta, std::vector<CrystalFieldRow> crystalFiel
     return test::praseodymiumLikeSet(n, zeta, std::move(crystalField), fold);
 }
 
-// Pr3+:LaF3 C2v Bkq, Wybourne (Carnall, Goodman, Rajnak & Rana 1989, Table I).
-std::vector<CrystalFieldRow> laf3Parameters() {
-    return {bkq(2, 0, -218), bkq(2, 2, -120), bkq(4, 0, 738),  bkq(4, 2, 431), bkq(4, 4, 616),
-            bkq(6, 0, 679),  bkq(6, 2, -921), bkq(6, 4, -348), bkq(6, 6, -788)};
-}
-
-// A low-symmetry set with odd q (fold 1 only).
-std::vector<CrystalFieldRow> lowSymmetryParameters() {
-    return {bkq(2, 0, -300), bkq(2, 1, 150), bkq(2, 2, -120), bkq(4, 0, 700), bkq(4, 1, -210), bkq(4, 3, 330),
-            bkq(4, 4, 500),  bkq(6, 0, 650), bkq(6, 2, -800), bkq(6, 3, 270), bkq(6, 5, -140), bkq(6, 6, -600)};
-}
-
-EnergyLevelResult run(const ParameterSet& set, bool vectors = false) {
-    MemoryLogBook log;
-    return computeEnergyLevels(set, tableDirectory(), log, {true, vectors});
-}
-
-std::vector<double> relativeEnergies(const EnergyLevelResult& result) {
-    std::vector<double> energies;
-    for (const auto& level : result.crystalField.levels)
-        energies.push_back(level.energy - result.crystalField.levels.front().energy);
-    return energies;
+EnergyLevelResult run(const ParameterSet& set, bool vectors = false, bool complex = false,
+                      const std::filesystem::path& directory = test::engineTableDirectory()) {
+    return test::runLevels(set, {true, vectors, complex}, directory);
 }
 
 // Diagonal element of the component of key `keyIndex` at |level, M>.
@@ -127,60 +107,18 @@ TEST(CrystalFieldBlocks, UnsupportedParametersGiveClearMessages) {
     }
 }
 
-TEST(CrystalFieldInvariants, TracelessMultipletsAndConservedTrace) {
-    // C(k)_q (k > 0) has zero trace in every J multiplet, so the crystal field leaves
-    // the sum of all energies at sum_a (2J_a + 1) E_a.
-    const auto result = run(ionSet(2, 751.7, laf3Parameters(), 2));
-    const auto operators = levelBasisOperators(result, false);
-    for (std::size_t key = 0; key < operators.keys.size(); ++key) {
-        std::vector<double> traceOfLevel(result.freeIon.levels.size(), 0.0);
-        for (std::size_t b = 0; b < operators.blocks.size(); ++b)
-            for (std::size_t i = 0; i < operators.blocks[b].states.size(); ++i)
-                traceOfLevel[operators.blocks[b].states[i].level] += operators.realPart[key][b].coeff(i, i);
-        for (std::size_t level = 0; level < traceOfLevel.size(); ++level)
-            EXPECT_NEAR(traceOfLevel[level], 0.0, 1e-10)
-                << "B(" << operators.keys[key].k << "," << operators.keys[key].q << ") level " << level;
-    }
-    double freeIonTrace = 0.0, crystalFieldSum = 0.0, scale = 0.0;
-    for (const auto& level : result.freeIon.levels) freeIonTrace += (level.twiceJ + 1) * level.energy;
-    for (const auto& level : result.crystalField.levels) {
-        crystalFieldSum += level.energy;
-        scale += std::abs(level.energy);
-    }
-    EXPECT_NEAR(crystalFieldSum, freeIonTrace, 1e-9 * scale);
-}
-
-TEST(CrystalFieldInvariants, KramersDoubletsForOddElectronCounts) {
-    // Time reversal: every level of f3 and f11 is (at least) twofold; f2 has singlets.
-    for (int n : {3, 11}) {
-        const auto energies = relativeEnergies(run(ionSet(n, 751.7, lowSymmetryParameters(), 1)));
-        ASSERT_EQ(energies.size() % 2, 0u);
-        for (std::size_t i = 0; i + 1 < energies.size(); i += 2)
-            EXPECT_NEAR(energies[i], energies[i + 1], 1e-6) << "f" << n << " pair " << i / 2;
-    }
-    const auto even = relativeEnergies(run(ionSet(2, 751.7, lowSymmetryParameters(), 1)));
-    std::size_t singlets = 0;
-    for (std::size_t i = 0; i < even.size(); ++i) {
-        const bool below = i > 0 && std::abs(even[i] - even[i - 1]) < 1e-3;
-        const bool above = i + 1 < even.size() && std::abs(even[i + 1] - even[i]) < 1e-3;
-        if (!below && !above) ++singlets;
-    }
-    EXPECT_EQ(singlets, even.size()) << "low symmetry lifts every degeneracy of f2";
-}
-
 TEST(CrystalFieldInvariants, LowestLevelsOnlyAreTheBottomOfTheFullSpectrum) {
     // m lowest levels (index range per block, merged and cut) against the full solution.
     struct Case { int n; int fold; bool complex; bool vectors; int lowest; };
     for (const Case& c : {Case{3, 2, true, false, 7}, Case{2, 1, true, true, 1}, Case{3, 3, false, false, 400}}) {
-        auto parameters = c.fold == 1 ? lowSymmetryParameters() : laf3Parameters();
+        auto parameters = c.fold == 1 ? test::lowSymmetryCrystalField() : test::laf3CrystalField();
         if (c.fold == 3) parameters = {bkq(2, 0, -300), bkq(4, 3, 330), bkq(6, 6, -600)};
         if (c.complex) parameters.back().im = {"55", 55.0};
         const auto set = ionSet(c.n, 751.7, parameters, c.fold);
-        MemoryLogBook log;
-        const auto full = computeEnergyLevels(set, tableDirectory(), log, {true, false, c.complex});
+        const auto full = run(set, false, c.complex);
         EnergyLevelOptions options{true, c.vectors, c.complex};
         options.lowest = c.lowest;
-        const auto part = computeEnergyLevels(set, tableDirectory(), log, options);
+        const auto part = test::runLevels(set, options);
         const std::size_t expected = std::min<std::size_t>(c.lowest, full.crystalField.levels.size());
         ASSERT_EQ(part.crystalField.levels.size(), expected) << "f" << c.n << " lowest " << c.lowest;
         for (std::size_t i = 0; i < expected; ++i)
@@ -189,42 +127,128 @@ TEST(CrystalFieldInvariants, LowestLevelsOnlyAreTheBottomOfTheFullSpectrum) {
     }
 }
 
-// f13..f8 through f^(14-n) (zeta, B(k,q), T2', T3..T8 negated, T2 by its own rule, M^k, P^k and
-// spin-spin unchanged) against the tables of f^n itself: equal levels up to one constant.
-struct RouteCase {
-    int n, fold;
-};
-
-class CrystalFieldConjugate : public ::testing::TestWithParam<RouteCase> {};
-
-TEST_P(CrystalFieldConjugate, ConjugateRouteEqualsTheActualShell) {
-    const auto [n, fold] = GetParam();
-    auto set = test::neodymiumLikeSet(n);
-    set.fold = fold;
-    set.crystalField = fold == 1 ? lowSymmetryParameters()
-                                 : std::vector<CrystalFieldRow>{bkq(2, 0, -256), bkq(4, 0, 496), bkq(4, 3, 410),
-                                                                bkq(6, 0, 641),  bkq(6, 3, -380), bkq(6, 6, -831)};
-    if (fold == 4) set.crystalField = {bkq(2, 0, -300), bkq(4, 0, 700), bkq(4, 4, 500), bkq(6, 0, 650), bkq(6, 4, -400)};
-    const auto conjugate = run(set);
-    set.switches.actualShell = true;
-    const auto actual = run(set);
-    EXPECT_EQ(conjugate.tableElectrons, 14 - n);
-    EXPECT_EQ(actual.tableElectrons, n);
-    const auto a = relativeEnergies(conjugate);
-    const auto b = relativeEnergies(actual);
-    ASSERT_EQ(a.size(), b.size());
-    double worst = 0.0;
-    for (std::size_t i = 0; i < a.size(); ++i) worst = std::max(worst, std::abs(a[i] - b[i]));
-    EXPECT_LT(worst, 1e-6) << "largest deviation between the routes";
-    EXPECT_GT(a.back(), 3000.0) << "a spectrum of the whole configuration";
+// The block's Hamiltonian rebuilt from the stored components (diagonal free-ion
+// energies, Re parts, i times the antisymmetric Im parts).
+Eigen::MatrixXcd blockHamiltonian(const EnergyLevelResult& result, std::size_t b) {
+    const auto operators = levelBasisOperators(result, !result.crystalFieldImaginary.empty());
+    const auto& states = operators.blocks[b].states;
+    const auto size = static_cast<Eigen::Index>(states.size());
+    Eigen::MatrixXcd h = Eigen::MatrixXcd::Zero(size, size);
+    for (Eigen::Index i = 0; i < size; ++i) h(i, i) = result.freeIon.levels[states[i].level].energy;
+    for (std::size_t key = 0; key < operators.keys.size(); ++key) {
+        h += result.crystalFieldValues[key] * Eigen::MatrixXd(operators.realPart[key][b]).cast<std::complex<double>>();
+        if (!operators.imaginaryPart.empty())
+            h += std::complex<double>(0.0, result.crystalFieldImaginary[key]) *
+                 Eigen::MatrixXd(operators.imaginaryPart[key][b]).cast<std::complex<double>>();
+    }
+    return h;
 }
 
-INSTANTIATE_TEST_SUITE_P(F8ToF13, CrystalFieldConjugate,
-                         ::testing::Values(RouteCase{13, 1}, RouteCase{12, 1}, RouteCase{11, 1}, RouteCase{10, 4},
-                                           RouteCase{9, 3}, RouteCase{8, 3}),
-                         [](const auto& info) {
-                             return "f" + std::to_string(info.param.n) + "_fold" + std::to_string(info.param.fold);
-                         });
+Eigen::VectorXcd vectorOf(const CrystalFieldLevel& level) {
+    return level.complexVector.size() > 0 ? level.complexVector : level.vector.cast<std::complex<double>>();
+}
+
+TEST(CrystalFieldTimeReversal, PartnerVectorsAreOrthonormalEigenvectorsOfTheirBlock) {
+    // f3 at folds 2 and 3 and f11 (through f3) at fold 2: the blocks of residue -r take
+    // their vectors from block r by (T v)(a,J,-M) = (-1)^(J-M) conj v(a,J,M). Each mapped
+    // vector must satisfy H v = E v in its own block (residue below 1e-9 of ||H||) and the
+    // mapped set must be orthonormal, for the real and the complex engines.
+    struct Case { int n; int fold; bool complex; };
+    for (const Case& c : {Case{3, 2, true}, Case{3, 3, false}, Case{11, 2, true}}) {
+        std::vector<CrystalFieldRow> parameters =
+            c.fold == 2 ? std::vector<CrystalFieldRow>{bkq(2, 0, -300), bkq(2, 2, -120, 60), bkq(4, 0, 700),
+                                                       bkq(4, 4, 500, -150), bkq(6, 2, -800, 40), bkq(6, 6, 300, 90)}
+                        : std::vector<CrystalFieldRow>{bkq(2, 0, -300), bkq(4, 0, 700), bkq(4, 3, 330, 120),
+                                                       bkq(6, 0, 650), bkq(6, 3, 270, -200), bkq(6, 6, -600, 90)};
+        if (!c.complex)
+            for (auto& p : parameters) p.im = {"0", 0.0};
+        const auto result = run(ionSet(c.n, 751.7, parameters, c.fold), true, c.complex);
+        const auto operators = levelBasisOperators(result, !result.crystalFieldImaginary.empty());
+        const std::string what = "f" + std::to_string(c.n) + " fold " + std::to_string(c.fold) +
+                                 (c.complex ? " complex" : " real");
+        int partnerBlocks = 0;
+        for (std::size_t b = 0; b < operators.blocks.size(); ++b) {
+            if (earlierTimeReversalPartner(operators, b) < 0) continue;
+            ++partnerBlocks;
+            const Eigen::MatrixXcd h = blockHamiltonian(result, b);
+            const double norm = h.cwiseAbs().maxCoeff();
+            std::vector<Eigen::VectorXcd> vectors;
+            for (const auto& level : result.crystalField.levels) {
+                if (level.block != static_cast<int>(b)) continue;
+                const Eigen::VectorXcd v = vectorOf(level);
+                ASSERT_EQ(v.size(), h.rows()) << what;
+                EXPECT_LT((h * v - level.energy * v).norm(), 1e-9 * norm) << what << " block " << b;
+                vectors.push_back(v);
+            }
+            ASSERT_EQ(static_cast<Eigen::Index>(vectors.size()), h.rows()) << what;
+            double worst = 0.0;
+            for (std::size_t i = 0; i < vectors.size(); ++i)
+                for (std::size_t j = 0; j < vectors.size(); ++j)
+                    worst = std::max(worst, std::abs(vectors[i].dot(vectors[j]) - (i == j ? 1.0 : 0.0)));
+            EXPECT_LT(worst, 1e-12) << what << " orthonormality of block " << b;
+        }
+        EXPECT_GT(partnerBlocks, 0) << what;
+    }
+}
+
+// Sizes of the groups of equal energies (within 1e-6) among the first `count` levels.
+std::vector<int> degeneracies(const EnergyLevelResult& result, std::size_t count) {
+    std::vector<int> groups;
+    const auto& levels = result.crystalField.levels;
+    for (std::size_t i = 0; i < count; ++i) {
+        if (i > 0 && std::abs(levels[i].energy - levels[i - 1].energy) < 1e-6)
+            ++groups.back();
+        else
+            groups.push_back(1);
+    }
+    return groups;
+}
+
+TEST(CubicCrystalField, CeriumMultipletsSplitIntoCubicRepresentations) {
+    // "/cubiccf" completes B40 and B60 with the cubic relations (Hutchings, Solid State Phys. 16,
+    // 227 (1964)): [001] B44 = sqrt(5/14) B40, B64 = -sqrt(7/2) B60; [111] B43, B63, B66. Only
+    // the right ratios keep the cubic degeneracies of f1 (zeta = 640 cm^-1, field small against
+    // zeta): 2F5/2 -> Gamma7 + Gamma8 (2 + 4), 2F7/2 -> Gamma6 + Gamma7 + Gamma8 (2 + 2 + 4),
+    // whichever order. A sixfold axis is refused.
+    for (int fold : {1, 4, 3}) {
+        auto set = ionSet(1, 640, {bkq(2, 0, 500), bkq(4, 0, 600), bkq(4, 4, 12), bkq(6, 0, 300)}, fold);
+        set.switches.cubicCF = true;
+        const auto result = run(set);
+        auto ground = degeneracies(result, 6);
+        std::sort(ground.begin(), ground.end());
+        EXPECT_EQ(ground, (std::vector<int>{2, 4})) << "2F5/2 fold " << fold;
+        std::vector<int> excited;
+        for (int size : degeneracies(result, 14)) excited.push_back(size);
+        ASSERT_GE(excited.size(), 2u);
+        excited.erase(excited.begin(), excited.begin() + 2);
+        std::sort(excited.begin(), excited.end());
+        EXPECT_EQ(excited, (std::vector<int>{2, 2, 4})) << "2F7/2 fold " << fold;
+    }
+    auto hexagonal = ionSet(1, 640, {bkq(4, 0, 1000)}, 6);
+    hexagonal.switches.cubicCF = true;
+    EXPECT_THROW(crystalFieldParametersOf(hexagonal, false, false), UserError);
+}
+
+TEST(CorrelationCrystalField, OrthogonalCorrelationTablesAreReadWhenPresent) {
+    // No g(2)10A table: refused. A table g(4)10B.val holding the U(4) elements makes
+    // g(4,q) act as B(4,q) = g / <f||C(4)||f>.
+    const auto directory = test::scratchDirectory("engine_occf_tables");
+    auto missing = ionSet(2, 751.7, {}, 1);
+    missing.correlationCF.push_back({CorrelationKind::OccfA, {bkq(2, 0, 100)}});
+    missing.switches.correlationSections = true;
+    EXPECT_THROW(run(missing, false, false, directory), UserError);
+    run(ionSet(2, 751.7, {}, 1), false, false, directory);  // makes the f2 tables there
+    const auto unitTable = findCaseBlind(directory, "f2rmu4.val");
+    ASSERT_TRUE(unitTable.has_value());
+    writeFileAtomically(directory / "f2g(4)10B.val", readTextFile(*unitTable));
+    auto present = ionSet(2, 751.7, {}, 2);
+    present.correlationCF.push_back({CorrelationKind::OccfB, {bkq(4, 0, 300), bkq(4, 2, -150)}});
+    present.switches.correlationSections = true;
+    const double c4 = ReducedCk2(6, 8, 6);
+    const auto b = run(ionSet(2, 751.7, {bkq(4, 0, 300 / c4), bkq(4, 2, -150 / c4)}, 2), false, false, directory);
+    EXPECT_LT(test::largestDifference(test::levelEnergies(run(present, false, false, directory)),
+                                      test::levelEnergies(b)), 1e-9);
+}
 
 }  // namespace
 }  // namespace orvane

@@ -14,7 +14,6 @@
 //   LCCF     the same form with d(k,q) and (1/2) sum_i {(L . l_i), u(k)_q(i)}
 #include <gtest/gtest.h>
 
-#include <bit>
 #include <cmath>
 #include <complex>
 #include <random>
@@ -26,12 +25,9 @@
 
 #include "core/angular.hpp"
 #include "core/eigen_solver.hpp"
-#include "core/log_book.hpp"
-#include "engine/energy_levels.hpp"
 #include "tables/slater_determinants.hpp"
 #include "tests/engine/determinant_support.hpp"
 #include "tests/engine/engine_test_support.hpp"
-#include "tests/support/reference_data.hpp"
 
 namespace orvane {
 namespace {
@@ -41,8 +37,6 @@ using test::oneBodyMatrix;
 using test::Sparse;
 using test::unitScalar;
 using test::unitTensorMatrix14;
-
-std::filesystem::path tableDirectory() { return test::engineTableDirectory(); }
 
 struct RandomParameters {
     double eavg, f[3], zeta, alpha, beta, gamma;
@@ -137,60 +131,52 @@ Eigen::VectorXd atBarycentre(const Eigen::VectorXd& spectrum, double eavg) {
     return spectrum.array() - spectrum.mean() + eavg;
 }
 
-void expectSameSpectrum(const Eigen::VectorXd& reference, const EnergyLevelResult& result, bool relative,
-                        const std::string& what) {
-    const auto& levels = result.crystalField.levels;
-    ASSERT_EQ(static_cast<Eigen::Index>(levels.size()), reference.size()) << what;
+// Random parameters (fixed seeds): f2, f3 at fold 1; f5 at fold 3 (its blocks stay small);
+// f12 through the conjugate f2 (levels up to a constant) and with its own tables. With
+// correlation: random spin- and L-correlated c(k,q), d(k,q) on top of the free ion and B(k,q)
+// (every term pair of f2 and f3 is reached at fold 1; on f12 c and d keep their signs).
+struct DeterminantCase {
+    int n, fold;
+    bool complex, actualShell, correlation;
+    unsigned seed;
+};
+
+std::string caseName(const DeterminantCase& c) {
+    return "f" + std::to_string(c.n) + "_fold" + std::to_string(c.fold) + (c.complex ? "_complex" : "_real") +
+           (c.actualShell ? "_actual_shell" : "") + (c.correlation ? "_correlation" : "");
+}
+void PrintTo(const DeterminantCase& c, std::ostream* os) { *os << caseName(c); }
+
+class CrystalFieldDeterminants : public ::testing::TestWithParam<DeterminantCase> {};
+
+TEST_P(CrystalFieldDeterminants, EngineMatchesTheDeterminantHamiltonian) {
+    const auto& c = GetParam();
+    const auto parameters = randomParameters(c.seed, c.fold, c.complex, c.correlation);
+    auto set = setOf(c.n, parameters, c.fold);
+    set.switches.actualShell = c.actualShell;
+    const auto result = test::runLevels(set, {true, false, c.complex});
+    const bool throughConjugate = c.n > 7 && !c.actualShell;
+    EXPECT_EQ(result.conjugate, throughConjugate);
+    const Eigen::VectorXd reference = atBarycentre(determinantEigenvalues(c.n, parameters), parameters.eavg);
+    const auto engine = test::levelEnergies(result, throughConjugate);
+    std::vector<double> expected(reference.data(), reference.data() + reference.size());
+    if (throughConjugate)
+        for (double& e : expected) e -= reference(0);
     const double spread = reference.maxCoeff() - reference.minCoeff();
-    double worst = 0.0;
-    for (Eigen::Index i = 0; i < reference.size(); ++i) {
-        const double engine = relative ? levels[i].energy - levels[0].energy : levels[i].energy;
-        const double expected = relative ? reference(i) - reference(0) : reference(i);
-        worst = std::max(worst, std::abs(engine - expected));
-    }
-    EXPECT_LT(worst, 1e-9 * spread) << what << ": largest deviation " << worst << " cm^-1, spread " << spread;
-    EXPECT_GT(spread, 1000.0) << what;
+    EXPECT_LT(test::largestDifference(engine, expected), 1e-9 * spread);
+    EXPECT_GT(spread, 1000.0);
 }
 
-TEST(CrystalFieldDeterminants, RealAndComplexEnginesMatchTheDeterminantHamiltonian) {
-    // Random parameters (fixed seeds): f2, f3 at fold 1; f5 at fold 3 (its blocks stay small);
-    // f12 through the conjugate f2 (levels up to a constant) and with its own tables.
-    struct Case { int n; int fold; bool complex; bool actualShell; unsigned seed; };
-    for (const Case& c : {Case{2, 1, false, false, 11}, Case{2, 1, true, false, 12}, Case{3, 1, false, false, 13},
-                          Case{3, 1, true, false, 14}, Case{5, 3, true, false, 16},
-                          Case{12, 1, true, false, 17}, Case{12, 1, true, true, 18}, Case{12, 2, false, false, 19}}) {
-        const auto parameters = randomParameters(c.seed, c.fold, c.complex);
-        auto set = setOf(c.n, parameters, c.fold);
-        set.switches.actualShell = c.actualShell;
-        MemoryLogBook log;
-        const auto result = computeEnergyLevels(set, tableDirectory(), log, {true, false, c.complex});
-        const bool throughConjugate = c.n > 7 && !c.actualShell;
-        EXPECT_EQ(result.conjugate, throughConjugate);
-        expectSameSpectrum(atBarycentre(determinantEigenvalues(c.n, parameters), parameters.eavg), result,
-                           throughConjugate, fmt::format("f{} fold {} {}{}", c.n, c.fold, c.complex ? "complex" : "real",
-                                       c.actualShell ? " actual shell" : ""));
-    }
-}
-
-TEST(CrystalFieldDeterminants, CorrelationCrystalFieldsMatchTheDeterminantHamiltonian) {
-    // Spin- and L-correlated crystal fields with random c(k,q), d(k,q) on top of the free ion
-    // and B(k,q): f2 and f3 (every term pair of their term tables is reached at fold 1)
-    // and f12 on both routes (the n > 7 sign rule: c and d keep their signs).
-    struct Case { int n; int fold; bool complex; bool actualShell; unsigned seed; };
-    for (const Case& c : {Case{2, 1, false, false, 21}, Case{2, 1, true, false, 22}, Case{3, 1, false, false, 23},
-                          Case{3, 1, true, false, 24}, Case{12, 1, true, false, 26},
-                          Case{12, 2, false, true, 27}}) {
-        const auto parameters = randomParameters(c.seed, c.fold, c.complex, true);
-        auto set = setOf(c.n, parameters, c.fold);
-        set.switches.actualShell = c.actualShell;
-        MemoryLogBook log;
-        const auto result = computeEnergyLevels(set, tableDirectory(), log, {true, false, c.complex});
-        const bool throughConjugate = c.n > 7 && !c.actualShell;
-        expectSameSpectrum(atBarycentre(determinantEigenvalues(c.n, parameters), parameters.eavg), result,
-                           throughConjugate, fmt::format("correlation f{} fold {} {}{}", c.n, c.fold, c.complex ? "complex" : "real",
-                                       c.actualShell ? " actual shell" : ""));
-    }
-}
+INSTANTIATE_TEST_SUITE_P(
+    Random, CrystalFieldDeterminants,
+    ::testing::Values(DeterminantCase{2, 1, false, false, false, 11}, DeterminantCase{2, 1, true, false, false, 12},
+                      DeterminantCase{3, 1, false, false, false, 13}, DeterminantCase{3, 1, true, false, false, 14},
+                      DeterminantCase{5, 3, true, false, false, 16}, DeterminantCase{12, 1, true, false, false, 17},
+                      DeterminantCase{12, 1, true, true, false, 18}, DeterminantCase{12, 2, false, false, false, 19},
+                      DeterminantCase{2, 1, false, false, true, 21}, DeterminantCase{2, 1, true, false, true, 22},
+                      DeterminantCase{3, 1, false, false, true, 23}, DeterminantCase{3, 1, true, false, true, 24},
+                      DeterminantCase{12, 1, true, false, true, 26}, DeterminantCase{12, 2, false, true, true, 27}),
+    [](const auto& info) { return caseName(info.param); });
 
 }  // namespace
 }  // namespace orvane

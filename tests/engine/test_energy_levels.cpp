@@ -1,6 +1,7 @@
 // The library entry point: derivatives of the energies by the parameters
 // (against finite differences and Euler's relation E = sum_p p dE/dp of a
-// Hamiltonian linear in its parameters) and the refused parameter sets.
+// Hamiltonian linear in its parameters), the refused parameter sets and the
+// minimum spin multiplicity.
 #include "engine/energy_levels.hpp"
 
 #include <gtest/gtest.h>
@@ -12,16 +13,13 @@
 
 #include <fmt/format.h>
 
-#include "core/log_book.hpp"
 #include "core/user_error.hpp"
 #include "engine/energy_levels_derivatives.hpp"
+#include "engine/j_basis.hpp"
 #include "tests/engine/engine_test_support.hpp"
-#include "tests/support/reference_data.hpp"
 
 namespace orvane {
 namespace {
-
-std::filesystem::path tableDirectory() { return test::engineTableDirectory(); }
 
 using test::row;
 using test::bkq;
@@ -33,15 +31,11 @@ ParameterSet praseodymium() {
     set.fold = 2;
     set.mainFreeIon = {row("EAVG", 10133.3), row("F2", 68878), row("F4", 50347), row("F6", 32901), row("ZETA", 751.7)};
     set.otherFreeIon = {row("ALPHA", 16.23), row("BETA", -566.6), row("GAMMA", 1371)};
-    set.crystalField = {bkq(2, 0, -218), bkq(2, 2, -120), bkq(4, 0, 738),  bkq(4, 2, 431), bkq(4, 4, 616),
-                        bkq(6, 0, 679),  bkq(6, 2, -921), bkq(6, 4, -348), bkq(6, 6, -788)};
+    set.crystalField = test::laf3CrystalField();
     return set;
 }
 
-EnergyLevelResult run(const ParameterSet& set, bool complex = false) {
-    MemoryLogBook log;
-    return computeEnergyLevels(set, tableDirectory(), log, {true, true, complex});
-}
+EnergyLevelResult run(const ParameterSet& set, bool complex = false) { return test::runLevels(set, {true, true, complex}); }
 
 std::size_t columnOf(const LevelDerivatives& derivatives, const std::string& name) {
     for (std::size_t i = 0; i < derivatives.parameters.size(); ++i)
@@ -86,55 +80,51 @@ TEST(EnergyLevelDerivatives, EulerRelationForFreeIonAndCrystalFieldLevels) {
     }
 }
 
-TEST(EnergyLevelDerivatives, MatchCentralFiniteDifferences) {
-    // Pr3+ in C2v has only singlets: every level has its own derivative.
-    struct Case {
-        const char* column;
-        std::function<void(ParameterSet&, double)> shift;
-        double step;
-    };
-    const Case cases[] = {
-        {"ZETA", [](ParameterSet& s, double h) { s.mainFreeIon[4].cell.value += h; }, 1.0},
-        {"BETA", [](ParameterSet& s, double h) { s.otherFreeIon[1] = row("BETA", -566.6 + h); }, 1.0},
-        {"ReB(6,2)", [](ParameterSet& s, double h) { s.crystalField[6].re.value += h; }, 1.0},
-    };
-    const auto base = run(praseodymium());
-    const auto derivatives = crystalFieldDerivatives(base);
-    for (const auto& c : cases) {
-        auto plus = praseodymium(), minus = praseodymium();
-        c.shift(plus, c.step);
-        c.shift(minus, -c.step);
-        const auto up = run(plus), down = run(minus);
-        const auto column = columnOf(derivatives, c.column);
-        for (std::size_t level = 0; level < 40; ++level) {
-            const double numeric =
-                (up.crystalField.levels[level].energy - down.crystalField.levels[level].energy) / (2 * c.step);
-            EXPECT_NEAR(derivatives.values(level, column), numeric, 1e-4 * (1 + std::abs(numeric)))
-                << c.column << " level " << level;
-        }
-    }
-}
+// dE/dp against central differences (step 0.25 cm^-1) for the lowest levels; for odd n
+// (Kramers doublets) the derivative of a doublet is the sum over its two vectors.
+struct DifferenceCase {
+    const char* column;
+    std::function<void(ParameterSet&)> prepare;
+    std::function<double&(ParameterSet&)> value;
+};
 
-TEST(EnergyLevelDerivatives, KramersPairsSummedMatchFiniteDifferences) {
-    // f3 (Kramers doublets, complex B(2,1)): the derivative of a doublet is the sum over its two vectors.
-    auto set = praseodymium();
-    set.electronCount = 3;
-    set.fold = 1;
-    set.crystalField.push_back(bkq(2, 1, 140, -90));
-    const auto base = run(set, true);
-    const auto derivatives = crystalFieldDerivatives(base);
-    const auto column = columnOf(derivatives, "ImB(2,1)");
-    auto plus = set, minus = set;
-    plus.crystalField.back().im.value += 1.0;
-    minus.crystalField.back().im.value -= 1.0;
-    const auto up = run(plus, true), down = run(minus, true);
-    for (std::size_t level = 0; level < 40; level += 2) {
-        const double numeric = (up.crystalField.levels[level].energy + up.crystalField.levels[level + 1].energy -
-                                down.crystalField.levels[level].energy - down.crystalField.levels[level + 1].energy) /
-                               2.0;
-        EXPECT_NEAR(derivatives.values(level, column) + derivatives.values(level + 1, column), numeric,
-                    1e-4 * (1 + std::abs(numeric)))
-            << "doublet " << level / 2;
+TEST(EnergyLevelDerivatives, MatchCentralFiniteDifferences) {
+    auto correlated = [](ParameterSet& s) {
+        s.fold = 1;
+        s.crystalField.push_back(bkq(2, 1, 90));
+        s.correlationCF = {{CorrelationKind::Sccf, {bkq(2, 0, 120), bkq(4, 1, -90)}},
+                           {CorrelationKind::Lccf, {bkq(6, 3, 12)}}};
+        s.switches.correlationSections = true;
+    };
+    const DifferenceCase cases[] = {
+        {"ImB(2,1)",
+         [](ParameterSet& s) {
+             s.electronCount = 1;
+             s.fold = 1;
+             s.crystalField.push_back(bkq(2, 1, 140, -90));
+         },
+         [](ParameterSet& s) -> double& { return s.crystalField.back().im.value; }},
+        {"ReSCCF C(4,1)", correlated, [](ParameterSet& s) -> double& { return s.correlationCF[0].rows[1].re.value; }},
+        {"ReLCCF D(6,3)", correlated, [](ParameterSet& s) -> double& { return s.correlationCF[1].rows[0].re.value; }},
+    };
+    for (const auto& c : cases) {
+        auto set = praseodymium();
+        c.prepare(set);
+        const auto derivatives = crystalFieldDerivatives(run(set, true));
+        const auto column = columnOf(derivatives, c.column);
+        auto plus = set, minus = set;
+        c.value(plus) += 0.25;
+        c.value(minus) -= 0.25;
+        const auto up = test::runLevels(plus, {true, false, true}), down = test::runLevels(minus, {true, false, true});
+        const std::size_t step = set.electronCount % 2 == 1 ? 2 : 1;
+        for (std::size_t level = 0; level < std::min<std::size_t>(20, up.crystalField.levels.size()); level += step) {
+            double numeric = 0.0, analytic = 0.0;
+            for (std::size_t i = level; i < level + step; ++i) {
+                numeric += (up.crystalField.levels[i].energy - down.crystalField.levels[i].energy) / 0.5;
+                analytic += derivatives.values(static_cast<Eigen::Index>(i), static_cast<Eigen::Index>(column));
+            }
+            EXPECT_NEAR(analytic, numeric, 1e-4 * (1 + std::abs(numeric))) << c.column << " level " << level;
+        }
     }
 }
 
@@ -148,9 +138,16 @@ TEST(EnergyLevels, ImpossibleSetsAreRefusedWithTheirMessage) {
     for (const auto& c : cases) {
         auto set = praseodymium();
         c.edit(set);
-        MemoryLogBook log;
-        EXPECT_THROW(computeEnergyLevels(set, tableDirectory(), log, {true, false, true}), UserError) << c.fragment;
+        EXPECT_THROW(test::runLevels(set, {true, false, true}), UserError) << c.fragment;
     }
+}
+
+TEST(EnergyLevels, MinimumMultiplicityDropsDoubletTerms) {
+    // f3 quartets: 4S, 4D, 4F, 4G, 4I -> J-states 1 + 4 + 4 + 4 + 4 = 17.
+    const auto& tables = test::engineTables(3);
+    const auto basis = buildJBasis(tables.terms, 3);
+    EXPECT_EQ(basis.states.size(), 17u);
+    for (const auto& state : basis.states) EXPECT_EQ(tables.terms[state.term].twiceS, 3);
 }
 
 }  // namespace

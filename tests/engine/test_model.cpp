@@ -16,7 +16,7 @@ using test::bkq;
 Model modelOf(const ParameterSet& set, bool complex) {
     const auto setup = modelSetupOf(set, true, complex);
     const int tableElectrons = set.electronCount > 7 ? 14 - set.electronCount : set.electronCount;
-    return Model::fromTables(setup, test::inMemoryTables(tableElectrons));
+    return Model::fromTables(setup, test::engineTables(tableElectrons));
 }
 
 struct DerivativeCase {
@@ -25,6 +25,8 @@ struct DerivativeCase {
     int fold;
     bool complex;
 };
+
+void PrintTo(const DerivativeCase& c, std::ostream* os) { *os << c.name; }
 
 class ModelDerivatives : public ::testing::TestWithParam<DerivativeCase> {};
 

@@ -14,14 +14,13 @@
 
 #include "core/log_book.hpp"
 #include "engine/parameter_file.hpp"
-#include "tables/term_generator.hpp"
 #include "tests/engine/engine_test_support.hpp"
 #include "tests/support/reference_data.hpp"
 
 namespace orvane {
 namespace {
 
-const EngineTables& tablesOf(int n) { return test::inMemoryTables(n); }
+const EngineTables& tablesOf(int n) { return test::engineTables(n); }
 
 int termIndex(const EngineTables& tables, const std::string& label) {
     for (std::size_t i = 0; i < tables.terms.size(); ++i)

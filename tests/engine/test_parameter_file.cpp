@@ -78,7 +78,7 @@ TEST(ParameterFile, ReadsEverySectionAndRoundTrips) {
     }
 }
 
-// Malformed files are refused with file and line.
+// Malformed files are refused with file and line (more in parameter_corpus/).
 TEST(ParameterFile, MalformedFilesNameFileAndLine) {
     struct Case {
         std::string text;
@@ -87,15 +87,10 @@ TEST(ParameterFile, MalformedFilesNameFileAndLine) {
     const Case cases[] = {
         {edited(kCanonical, "type = 3", "type = 4"), 4},
         {edited(kCanonical, "4  3  100  -20.25", "4  3  1OO  -20.25"), 18},
-        {edited(kCanonical, "-250.5", "nan"), 17},
         {edited(kCanonical, "-250.5", "1 234.5"), 17},
         {edited(kCanonical, "/occf-g(K)10B", "/occf-g(K)10C"), 25},
         {edited(kCanonical, "No. of OCCF g(K)10B parameters = 1", "= 5"), 26},
-        {edited(kCanonical, "ALPHA  17", "ALFA  17"), 13},
         {edited(kCanonical, "F2  100000", "F2  1e5x"), 6},
-        {edited(kCanonical, "electrons = 12", "electrons = 15"), 10},
-        {edited(kCanonical, "axis = 3", "axis = 0"), 11},
-        {edited(kCanonical, "free-ion parameters = 3", "free-ion parameters = 300"), 12},
         {kCanonical.substr(0, kCanonical.find("F6  50000")), 8},
         {"", 1},
     };

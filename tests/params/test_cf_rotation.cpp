@@ -1,5 +1,5 @@
-// Rotations of crystal-field parameters: the operator test in a J multiplet, the
-// fixed rotations, Bkqzero and the garnet sites.
+// Rotations of crystal-field parameters: the operator test in a J multiplet,
+// Bkqzero, the garnet sites and the C3/C4 axis changes.
 #include <cmath>
 #include <complex>
 #include <random>
@@ -93,34 +93,6 @@ TEST(RotationOfParameters, EqualsRotatingTheIonInAJMultiplet) {
     }
 }
 
-TEST(RotationOfParameters, CheckValuesOfFixedRotations) {
-    // B20 = 1 rotated by (0, 90, 0): B20' = -1/2, B22' = sqrt(6)/4 (d^2 matrix at 90 degrees, Edmonds 1957, Table 2).
-    BkqArray axial{};
-    axial[2][0] = 1.0;
-    const BkqArray turned = rotateBkq(axial, {0, 90, 0});
-    EXPECT_NEAR(turned[2][0].real(), -0.5, 1e-14);
-    EXPECT_NEAR(turned[2][2].real(), std::sqrt(6.0) / 4, 1e-14);
-    EXPECT_NEAR(std::abs(turned[2][1]), 0.0, 1e-14);
-    // (alpha, 0, 0) multiplies B(k,q) by exp(-i q alpha).
-    BkqArray b{};
-    b[4][3] = Complex(2.0, 1.0);
-    const BkqArray z = rotateBkq(b, {30, 0, 0});
-    EXPECT_LT(std::abs(z[4][3] - Complex(2.0, 1.0) * std::polar(1.0, -3 * kPi / 6)), 1e-14);
-    // theta is the cube-diagonal angle 54.7356...
-    EXPECT_NEAR(cubeDiagonalAngle(), std::acos(1.0 / std::sqrt(3.0)) * 180.0 / kPi, 1e-12);
-}
-
-TEST(RotationOfParameters, C3toC4AndC4toC3AreMutualInverses) {
-    std::mt19937 rng(7);
-    const BkqArray b = randomBkq(rng);
-    for (const auto& [first, second] : {std::pair{c3ToC4Angles(), c4ToC3Angles()},
-                                        std::pair{c4ToC3Angles(), c3ToC4Angles()}}) {
-        const BkqArray back = rotateBkq(rotateBkq(b, first), second);
-        for (int k = 2; k <= 6; k += 2)
-            for (int q = 0; q <= k; ++q) EXPECT_LT(std::abs(back[k][q] - b[k][q]), 1e-10);
-    }
-}
-
 CfTable tableOf(std::initializer_list<std::tuple<int, int, double, double>> rows) {
     CfTable t;
     for (const auto& [k, q, re, im] : rows) {
@@ -155,16 +127,21 @@ TEST(RotationCommands, ZeroImaginaryPartRules) {
     }
 }
 
-TEST(RotationCommands, GarnetSitesAndTheirInverses) {
+TEST(RotationCommands, GarnetSitesAndC3C4AreUndoneByTheirInverses) {
     std::mt19937 rng(3);
     const BkqArray b = randomBkq(rng);
+    std::vector<std::pair<EulerAngles, EulerAngles>> pairs = {{c3ToC4Angles(), c4ToC3Angles()},
+                                                             {c4ToC3Angles(), c3ToC4Angles()}};
     for (int site = 1; site <= 6; ++site) {
         const auto to = garnetSiteAngles(site, false);
         const auto from = garnetSiteAngles(site, true);
         ASSERT_TRUE(to && from);
-        const BkqArray back = rotateBkq(rotateBkq(b, *to), *from);
+        pairs.emplace_back(*to, *from);
+    }
+    for (const auto& [there, back] : pairs) {
+        const BkqArray result = rotateBkq(rotateBkq(b, there), back);
         for (int k = 2; k <= 6; k += 2)
-            for (int q = 0; q <= k; ++q) EXPECT_LT(std::abs(back[k][q] - b[k][q]), 1e-9) << site;
+            for (int q = 0; q <= k; ++q) EXPECT_LT(std::abs(result[k][q] - b[k][q]), 1e-9);
     }
     EXPECT_FALSE(garnetSiteAngles(7, false));
     const auto choice = parseGarnetChoice(" 4 f");
@@ -172,7 +149,6 @@ TEST(RotationCommands, GarnetSitesAndTheirInverses) {
     EXPECT_EQ(choice->site, 4);
     EXPECT_TRUE(choice->toSiteOne);
     EXPECT_FALSE(parseGarnetChoice("9"));
-
 }
 
 }  // namespace

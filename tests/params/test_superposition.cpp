@@ -1,20 +1,22 @@
-// Superposition model: coordination factors against spherical harmonics, the check
-// values of cube, octahedron and a ligand on z, derivatives, estimation and
-// rotation of ligand positions.
+// Superposition model: coordination factors against spherical harmonics, the
+// cubic ratios, derivatives, estimation and rotation of ligand positions; ligand
+// files, lattice coordinates and the "smdata.txt" persistence.
 #include <cmath>
 #include <complex>
 #include <random>
 
 #include <gtest/gtest.h>
 
-#include "interactive/parameter_dialogs.hpp"
 #include "core/angular.hpp"
+#include "core/atomic_file.hpp"
 #include "core/user_error.hpp"
+#include "params/ligand_file.hpp"
 #include "params/cf_rotation.hpp"
 #include "params/superposition_estimation.hpp"
 #include "params/stevens_lambda.hpp"
 #include "params/superposition.hpp"
 #include "params/value_cell.hpp"
+#include "tests/support/reference_data.hpp"
 
 namespace orvane::params {
 namespace {
@@ -105,45 +107,19 @@ TEST(SuperpositionModel, DistortedCubeAgreesWithTheHarmonicSum) {
     EXPECT_GT(std::abs(b[2][0]), 1.0) << "the distortion must make rank 2 appear";
 }
 
-TEST(SuperpositionModel, CheckValuesOfSimpleCoordinations) {
-    // bbar_k = 1, R = R0: computed check values (Newman & Ng, Rep. Prog. Phys. 52, 699 (1989), eq. for B(k,q)).
-    struct Value { int k, q; double b; };
-    struct Case { const char* name; std::vector<Ligand> ligands; std::vector<Value> values; };
-    const Case cases[] = {
-        {"ligand on z", {{2.0, 0.0, 0.0}},
-         {{2, 0, 1.0}, {4, 0, 1.0}, {6, 0, 1.0}, {2, 2, 0.0}, {4, 3, 0.0}, {6, 6, 0.0}}},
-        {"cube corners", cubeCorners(2.0),
-         {{2, 0, 0.0}, {4, 0, -28.0 / 9.0}, {4, 4, -1.859245}, {4, 2, 0.0}, {6, 0, 16.0 / 9.0}, {6, 4, -3.325918}}},
-        {"octahedron",
-         {{2.0, 0, 0}, {2.0, 180, 0}, {2.0, 90, 0}, {2.0, 90, 90}, {2.0, 90, 180}, {2.0, 90, 270}},
-         {{4, 0, 3.5}, {4, 4, 2.091650}, {6, 0, 0.75}, {6, 4, -1.403122}, {2, 0, 0.0}}},
-    };
-    for (const Case& c : cases) {
-        const BkqArray b = superpositionBkq(c.ligands, unitParameters());
-        for (const Value& v : c.values) {
-            EXPECT_NEAR(b[v.k][v.q].real(), v.b, 1e-6) << c.name << " B" << v.k << v.q;
-            EXPECT_NEAR(b[v.k][v.q].imag(), 0.0, 1e-12) << c.name;
-        }
-    }
-    // Cube: the cubic ratios B44/B40 = sqrt(5/14), B64/B60 = -sqrt(7/2).
+TEST(SuperpositionModel, CubeHasTheCubicRatios) {
+    // Eight ligands on the cube corners, bbar_k = 1, R = R0: B40 = -28/9 and the cubic ratios
+    // B44/B40 = sqrt(5/14), B64/B60 = -sqrt(7/2) (Newman & Ng, Rep. Prog. Phys. 52, 699 (1989)).
     const BkqArray cube = superpositionBkq(cubeCorners(2.0), unitParameters());
+    EXPECT_NEAR(cube[4][0].real(), -28.0 / 9.0, 1e-9);
+    EXPECT_NEAR(std::abs(cube[2][0]), 0.0, 1e-12);
     EXPECT_NEAR(cube[4][4].real() / cube[4][0].real(), std::sqrt(5.0 / 14.0), 1e-12);
     EXPECT_NEAR(cube[6][4].real() / cube[6][0].real(), -std::sqrt(3.5), 1e-12);
 }
 
-TEST(SuperpositionModel, PowerLawAndDerivatives) {
+TEST(SuperpositionModel, DerivativesMatchFiniteDifferences) {
     SuperpositionParameters p = unitParameters();
     p.bk = {300.0, 200.0, 100.0};
-    // One ligand on z at R: B(k,0) = b_k (R0/R)^t_k.
-    const BkqArray far = superpositionBkq({{2.5, 0, 0}}, p);
-    EXPECT_NEAR(far[4][0].real(), 200.0 * std::pow(2.0 / 2.5, 10.0), 1e-9);
-    // At R = R0 the t_k derivative vanishes and the b_k derivative is K_kq.
-    const SuperpositionDerivatives atR0 = superpositionDerivatives({{2.0, 70.0, 20.0}}, p);
-    for (int k = 2; k <= 6; k += 2)
-        for (int q = 0; q <= k; ++q) {
-            EXPECT_EQ(std::abs(atR0.byTk[k][q]), 0.0);
-            EXPECT_NEAR(atR0.byBk[k][q].real(), coordinationFactor(k, q, 70.0, 20.0), 1e-14);
-        }
     // Finite-difference check of both derivatives for a distorted cube.
     std::vector<Ligand> ligands = cubeCorners(2.3);
     ligands[0].r = 2.1;
@@ -219,6 +195,88 @@ TEST(LigandRotation, IsTheInverseOfTheFrameRotation) {
     const auto onZ = rotateLigands({{2.0, 0.0, 0.0}}, 0.0, 90.0, 0.0);
     EXPECT_NEAR(onZ[0].thetaDeg, 90.0, 1e-12);
     EXPECT_NEAR(onZ[0].r, 2.0, 1e-12);
+}
+
+TEST(LigandFile, ReadsPolarRowsLabelsAndR0) {
+    const LigandFile file = parseLigandText(
+        "# Er site, eight oxygens\n\nR0 = 2.35\n2.3, 54.7356; 45 O1\n  2.4 125.26 135\r\n! done\n",
+        "cube.lig");
+    ASSERT_EQ(file.ligands.size(), 2u);
+    EXPECT_EQ(*file.r0, 2.35);
+    EXPECT_EQ(file.ligands[0].r, 2.3);
+    EXPECT_EQ(file.ligands[0].thetaDeg, 54.7356);
+    EXPECT_EQ(file.ligands[0].phiDeg, 45.0);
+    EXPECT_EQ(file.labels[0], "O1");
+    EXPECT_EQ(file.ligands[1].phiDeg, 135.0);
+}
+
+TEST(LigandFile, LatticeCoordinatesAreConvertedToPolar) {
+    // Cubic cell a = 4: fractional (0.5, 0.5, 0.5) is a cube corner at 2 sqrt 3.
+    const LigandFile cubic = parseLigandText("lattice = 4 4 4 90 90 90\n0.5 0.5 0.5\n0 0 -0.5\n", "cell.lig");
+    EXPECT_NEAR(cubic.ligands[0].r, 2.0 * std::sqrt(3.0), 1e-12);
+    EXPECT_NEAR(cubic.ligands[0].thetaDeg, std::acos(1.0 / std::sqrt(3.0)) * 180.0 / kPi, 1e-10);
+    EXPECT_NEAR(cubic.ligands[0].phiDeg, 45.0, 1e-12);
+    EXPECT_NEAR(cubic.ligands[1].thetaDeg, 180.0, 1e-12);
+    // Hexagonal cell (gamma = 120): fractional (1, 1, 0) has length a and azimuth 60 degrees.
+    const auto hex = latticeToPolar({1.0, 1.0, 0.0}, LatticeCell{3.0, 3.0, 5.0, 90.0, 90.0, 120.0});
+    ASSERT_TRUE(hex);
+    EXPECT_NEAR(hex->r, 3.0, 1e-12);
+    EXPECT_NEAR(hex->phiDeg, 60.0, 1e-12);
+    EXPECT_NEAR(hex->thetaDeg, 90.0, 1e-12);
+    EXPECT_FALSE(latticeToPolar({1, 0, 0}, LatticeCell{1, 1, 1, 10, 10, 170}));  // no such cell
+}
+
+TEST(LigandFile, MalformedFilesNameFileLineAndProblem) {
+    struct Case { const char* text; int line; };
+    const Case cases[] = {
+        {"2.3 50 40\n2.4 abc 10\n", 2}, {"2.3 50\n", 1},          {"-2 50 40\n", 1},
+        {"R0 = zero\n2 1 1\n", 1},      {"lattice = 1 1 1 0 0 0\n", 1},
+        {"lattice = 1 1 1 90 90 90\n0 0 0\n", 2},                 {"# nothing\n\n", 2},
+    };
+    for (const Case& c : cases) {
+        try {
+            parseLigandText(c.text, "bad.lig");
+            FAIL() << "no error for: " << c.text;
+        } catch (const UserError& e) {
+            ASSERT_TRUE(e.where());
+            EXPECT_EQ(e.where()->file, "bad.lig");
+            EXPECT_EQ(e.where()->line, c.line) << c.text;
+        }
+    }
+}
+
+TEST(SuperpositionData, RoundTripIsExactAndMalformedFilesAreRefused) {
+    SuperpositionData data;
+    data.parameters.r0 = 2.4173;
+    data.parameters.bk = {431.5, -212.25, 1.0 / 3.0};
+    data.parameters.tk = {5.0, 8.0, 11.0};
+    data.parameters.stevensType = true;
+    data.ligands = {{2.3, 54.7356103172, 45.0}, {2.41, 0.1, -179.9}};
+    const auto dir = orvane::test::scratchDirectory("smdata");
+    writeSuperpositionData(dir / "smdata.txt", data);
+    const SuperpositionData back = readSuperpositionData(dir / "smdata.txt");
+    EXPECT_EQ(back.parameters.bk, data.parameters.bk);
+    EXPECT_TRUE(back.parameters.stevensType);
+    ASSERT_EQ(back.ligands.size(), 2u);
+    EXPECT_EQ(back.ligands[0].thetaDeg, 54.7356103172);
+    EXPECT_EQ(formatSuperpositionData(back), formatSuperpositionData(data));
+
+    std::string text = formatSuperpositionData(data);
+    struct Case { std::string text; int line; };
+    const Case cases[] = {
+        {"Something else\n", 1},
+        {text.substr(0, text.find("No. of")), 7},                                    // truncated
+        {std::string(text).replace(text.find("= 2\n"), 4, "= 5\n"), 10},            // count lies
+        {std::string(text).replace(text.find("= 2.4173"), 8, "= inf"), 2},
+    };
+    for (const Case& c : cases) {
+        try {
+            parseSuperpositionData(c.text, "smdata.txt");
+            FAIL() << c.text;
+        } catch (const UserError& e) {
+            EXPECT_EQ(e.where()->line, c.line) << e.describe();
+        }
+    }
 }
 
 }  // namespace

@@ -1,9 +1,9 @@
-// Files of the table directory: coefficients of fractional
-// parentage, reduced-matrix tables, case-blind lookup, on-demand generation,
-// the delivered data and the published-table reader.
+// Files of the table directory: coefficients of fractional parentage,
+// reduced-matrix and magnetic tables, case-blind lookup, on-demand generation,
+// the delivered data, the published-table reader and the comparison of
+// three-body columns with a published table.
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 
 #include <gtest/gtest.h>
 
@@ -11,9 +11,12 @@
 #include "core/log_book.hpp"
 #include "core/user_error.hpp"
 #include "tables/fractional_parentage.hpp"
+#include "tables/magnetic_comparison.hpp"
+#include "tables/magnetic_tables.hpp"
 #include "tables/published_tables.hpp"
 #include "tables/reduced_tables.hpp"
 #include "tables/table_directory.hpp"
+#include "tables/three_body_tables.hpp"
 #include "tests/support/reference_data.hpp"
 #include "tests/tables/all_configuration_tables.hpp"
 
@@ -81,24 +84,6 @@ TEST(TableDirectory, NamesResolveCaseBlind) {
     EXPECT_FALSE(findCaseBlind(dir, "f3rmu4.val"));
 }
 
-TEST(TableDirectory, FoundFromTheEnvironmentThenBesideTheProgram) {
-    const auto root = scratchDirectory("tables_lookup");
-    std::filesystem::create_directories(root / "src" / "build" / "tests");
-    writeFileAtomically(root / "src" / "CMakeLists.txt", "project(x)\n");
-    const auto candidates = tableDirectoryCandidates(root / "src" / "build" / "tests");
-    const std::vector<std::filesystem::path> expected = {root / "src" / "build" / "share" / "orvane" / "rme",
-                                                         root / "src" / "build" / "data" / "rme",
-                                                         root / "src" / "data" / "rme"};
-    ASSERT_GE(candidates.size(), expected.size());
-    EXPECT_TRUE(std::equal(expected.begin(), expected.end(), candidates.begin()));
-    EXPECT_TRUE(std::filesystem::exists(defaultTableDirectory() / "f2state.lab"));  // this build's data/rme
-    const char* previous = std::getenv("ORVANE_DATA_DIR");
-    const std::string saved = previous ? previous : "";
-    setenv("ORVANE_DATA_DIR", (root / "tables").c_str(), 1);
-    EXPECT_EQ(defaultTableDirectory(), root / "tables");
-    if (previous) setenv("ORVANE_DATA_DIR", saved.c_str(), 1); else unsetenv("ORVANE_DATA_DIR");
-}
-
 TEST(TableDirectory, MissingTablesAreGeneratedOnceAndReused) {
     const auto dir = scratchDirectory("tables_on_demand");
     MemoryLogBook log;
@@ -122,7 +107,6 @@ TEST(TableDirectory, CoulombTableBuiltFromTheStoredUnitTensors) {
     const auto stored = parseReducedTable(readTextFile(path), static_cast<int>(f4.terms.size()), path.string());
     const auto full = completeFromStoredHalf(stored, spinOrbitOf(f4.terms));
     EXPECT_LT((full - f4.coulomb[1]).cwiseAbs().maxCoeff(), 1e-12);
-    EXPECT_TRUE(log.contains("Trace^2 for e2 =  48648600"));  // f4, Racah's e2 normalisation (Racah 1949)
 }
 
 TEST(PublishedReader, TouchingNumbersAndDosEndMarks) {
@@ -139,6 +123,84 @@ TEST(PublishedReader, TouchingNumbersAndDosEndMarks) {
     EXPECT_DOUBLE_EQ(tables.cfp(0, 0), -1.0);
     EXPECT_DOUBLE_EQ(tables.unitTensor[6](0, 0), -1.0);
     EXPECT_THROW(parsePublishedTables("  F 1  1 STATES\n 2F\n  U(K)  FOR F 1\n2F 2F 1.0\nEND\n", "bad"), UserError);
+}
+
+const std::vector<ConfigurationTables>& lower() {
+    static const std::vector<ConfigurationTables> tables = [] {
+        const auto& all = test::allConfigurationTables();
+        return std::vector<ConfigurationTables>(all.begin(), all.begin() + 8);
+    }();
+    return tables;
+}
+
+TEST(MagneticTables, F2FilesHoldThePublishedSeedRecords) {
+    const auto directory = test::scratchDirectory("magnetic_files_f2");
+    MemoryLogBook log;
+    const auto written = writeManyBodyTables({2}, lower(), directory, log);
+    EXPECT_EQ(written.size(), 12u);  // meti, rmtic; five magnetic tables and five listings
+    const std::string soo = readTextFile(directory / "f2mesooci.val");
+    // term 1 = 3P: f2 "3P 3P" M0 = -30.5, M2 = -72.5 (Judd, Crosswhite & Crosswhite 1968, Table I)
+    EXPECT_NE(soo.find("\n1 1   -30.5  -72.5  "), std::string::npos) << soo;
+    const std::string ss = readTextFile(directory / "f2mess.val");
+    EXPECT_NE(ss.find("\n1 1   -12  -24  "), std::string::npos) << ss;  // JCC 1968 spin-spin 3P-3P
+}
+
+// A synthetic published f3 table made from the generated operators (identity
+// transformation), then altered the ways the comparison must tell apart.
+struct SyntheticF3 {
+    ConfigurationTables tables = test::allConfigurationTables()[3];
+    ThreeBodyOperators orthogonal = threeBodyOperatorsOfAll(lower())[3];
+    Eigen::MatrixXd e3 = racahE3(test::allConfigurationTables()[3]);
+    Eigen::MatrixXd identity = Eigen::MatrixXd::Identity(17, 17);
+    PublishedTables published;
+    SyntheticF3() {
+        published.hasThreeBody = true;
+        const auto ordinary = ordinaryThreeBodyOperators(3, orthogonal, e3);
+        for (std::size_t c = 0; c < 6; ++c) published.threeBody[c] = ordinary[c].triangularView<Eigen::Upper>();
+    }
+    int at(const std::string& label) const { return test::termIndex(tables, label); }
+    ManyBodyComparison compare() const {
+        return compareThreeBodyColumns(tables, published, identity, orthogonal, e3);
+    }
+};
+
+TEST(ThreeBodyComparison, TellsMismatchesPublishedErrorsAndPhasesApart) {
+    {
+        const SyntheticF3 same;
+        const auto c = same.compare();
+        EXPECT_TRUE(c.mismatches.empty());
+        EXPECT_TRUE(c.publishedErrors.empty());
+        EXPECT_GT(c.elementsCompared, 80);
+    }
+    {
+        // a wrong sign of a whole operator (a generator fault): the published column stays
+        // a consistent three-body operator, so every differing element is a mismatch
+        SyntheticF3 s;
+        s.published.threeBody[1] *= -1.0;
+        const auto c = s.compare();
+        EXPECT_GE(c.mismatches.size(), 10u);
+        EXPECT_TRUE(c.publishedErrors.empty());
+    }
+    {
+        // one misprinted diagonal element (as the published f3 T7 of 2L): a published error
+        SyntheticF3 s;
+        s.published.threeBody[4](s.at("2L"), s.at("2L")) = -0.026053;
+        const auto c = s.compare();
+        EXPECT_TRUE(c.mismatches.empty());
+        ASSERT_EQ(c.publishedErrors.size(), 1u);
+        EXPECT_EQ(c.publishedErrors[0].row, "2L");
+        EXPECT_NEAR(c.publishedErrors[0].generated, -0.026503, 1e-6);  // Hansen et al. 1996, f3 t7(2L)
+    }
+    {
+        // the opposite phase of one term: reported as a phase, not as an error
+        SyntheticF3 s;
+        s.published.threeBody[2](s.at("2D1"), s.at("2D2")) *= -1.0;  // t4 2D1-2D2
+        s.published.threeBody[3](s.at("2D1"), s.at("2D2")) *= -1.0;  // t6 2D1-2D2
+        const auto c = s.compare();
+        EXPECT_TRUE(c.mismatches.empty());
+        EXPECT_TRUE(c.publishedErrors.empty());
+        ASSERT_EQ(c.phaseNotes.size(), 2u);
+    }
 }
 
 }  // namespace

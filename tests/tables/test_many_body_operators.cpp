@@ -1,8 +1,11 @@
-// The three-body escalation (factor n/(n-3) through fractional parentage)
-// against second quantisation: the f3 operator is lifted to Slater
-// determinants, O = sum_{d,d'} <d|O|d'> A+_d A_d' with A+_d = a+_p1 a+_p2 a+_p3
-// (p1 < p2 < p3), and applied to the generated highest-weight states of f4 and
-// f5. The two routes share only the f3 seed.
+// Three-body operators of f^n (the magnetic ones are compared with the published
+// tables in test_magnetic_and_three_body_reference.cpp): traceless, mutually
+// orthogonal and orthogonal to the two-body ones with the pure three-body norm
+// scaling, and the three-body escalation (factor n/(n-3) through fractional parentage)
+// against second quantisation: the f3 operator lifted to Slater determinants,
+// O = sum_{d,d'} <d|O|d'> A+_d A_d' with A+_d = a+_p1 a+_p2 a+_p3 (p1 < p2 < p3),
+// applied to the generated highest-weight states of f4 and f5 (the two routes
+// share only the f3 seed).
 #include <cmath>
 #include <vector>
 
@@ -10,11 +13,44 @@
 
 #include "tables/slater_determinants.hpp"
 #include "tables/three_body_tables.hpp"
+#include "tables/two_body_escalation.hpp"
 #include "tests/tables/all_configuration_tables.hpp"
-#include "tests/tables/generated_configurations.hpp"
 
 namespace orvane {
 namespace {
+
+const std::vector<ThreeBodyOperators>& allThreeBody() {
+    static const auto all = threeBodyOperatorsOfAll(test::allConfigurationTables());
+    return all;
+}
+
+double binomial(int n, int k) { return std::tgamma(n + 1.0) / (std::tgamma(k + 1.0) * std::tgamma(n - k + 1.0)); }
+
+TEST(ThreeBodyOperators, TracelessOrthogonalAndScaledAsPureThreeBodyOperators) {
+    const auto& all = test::allConfigurationTables();
+    const auto f3Traces = threeBodyTraceMatrix(spinOrbitOf(all[3].terms), allThreeBody()[3]);
+    for (int n = 3; n <= 11; ++n) {
+        const auto& t = all[static_cast<std::size_t>(n)];
+        const auto terms = spinOrbitOf(t.terms);
+        const auto& ops = allThreeBody()[static_cast<std::size_t>(n)];
+        const Eigen::MatrixXd traces = threeBodyTraceMatrix(terms, ops);
+        const Eigen::MatrixXd identity = Eigen::MatrixXd::Identity(static_cast<int>(terms.size()), static_cast<int>(terms.size()));
+        for (int a = 0; a < kThreeBodyOperatorCount; ++a) {
+            const double norm = traces(a, a);
+            ASSERT_GT(norm, 1.0) << threeBodyOperatorName(a) << " f" << n;
+            EXPECT_NEAR(scalarProductTrace(terms, ops[static_cast<std::size_t>(a)], identity), 0.0, 1e-9 * norm)
+                << "trace of " << threeBodyOperatorName(a) << " f" << n;
+            // Tr_(f^n)(t^2) = C(8, n-3) Tr_(f^3)(t^2) (Hansen, Judd & Crosswhite 1996)
+            EXPECT_NEAR(norm / f3Traces(a, a), binomial(8, n - 3), 1e-9 * binomial(8, n - 3))
+                << threeBodyOperatorName(a) << " f" << n;
+            for (int b = a + 1; b < kThreeBodyOperatorCount; ++b)
+                EXPECT_NEAR(traces(a, b), 0.0, 1e-9 * norm) << threeBodyOperatorName(a) << "," << threeBodyOperatorName(b);
+            for (std::size_t k = 0; k < 3; ++k)
+                EXPECT_NEAR(scalarProductTrace(terms, ops[static_cast<std::size_t>(a)], t.coulomb[k]), 0.0, 1e-9 * norm)
+                    << threeBodyOperatorName(a) << " with f(" << 2 * k + 2 << ") in f" << n;
+        }
+    }
+}
 
 // Every (M_S, M_L) component of a term, lowered from its highest-weight state.
 std::vector<Eigen::VectorXd> allComponents(const GeneratedTerm& term, const DeterminantSpace& space) {
@@ -85,7 +121,7 @@ Eigen::VectorXd applyThreeBody(int n, const Eigen::MatrixXd& lifted, const Eigen
 
 TEST(ThreeBodySecondQuantisation, EscalatedMatricesOfF4AndF5EqualTheDeterminantOperator) {
     const auto& generated = test::generatedConfigurations();
-    const auto threeBody = threeBodyOperatorsOfAll(test::allConfigurationTables());
+    const auto& threeBody = allThreeBody();
     for (int c : {1, 0}) {  // t3, then t2' (which has the 2F1-2F2 element of the seed)
         const Eigen::MatrixXd lifted = liftToDeterminants(generated[3].terms, threeBody[3][static_cast<std::size_t>(c)]);
         for (int n = 3; n <= 5; ++n) {

@@ -1,13 +1,21 @@
-// One-electron and Coulomb tables: complementarity, traces, published values of
-// f^1 and f^2, and an independent cross-check against operators projected
-// directly from the Slater-determinant basis.
+// The term basis generated from Slater determinants and its tables: term lists
+// against the published order (the parentage values against the published
+// tables in test_published_comparison.cpp, their phase and pair conventions
+// through the delivered data in test_table_files.cpp), the unit tensors and
+// Coulomb matrices against operators projected directly from the determinant
+// basis, the transposition phase of the stored half and the symmetry of the
+// L-correlated crystal-field tables.
 #include <cmath>
 
 #include <gtest/gtest.h>
 
 #include "core/angular.hpp"
+#include "core/atomic_file.hpp"
+#include "tables/lccf_table.hpp"
 #include "tables/reduced_tables.hpp"
 #include "tables/slater_determinants.hpp"
+#include "tables/state_labels.hpp"
+#include "tests/support/reference_data.hpp"
 #include "tests/tables/all_configuration_tables.hpp"
 
 namespace orvane {
@@ -15,80 +23,29 @@ namespace {
 
 using test::allConfigurationTables;
 using test::generatedConfigurations;
+using test::termIndex;
 
-int termIndex(const ConfigurationTables& tables, const std::string& label) {
-    for (std::size_t i = 0; i < tables.terms.size(); ++i)
-        if (tables.terms[i].label == label) return static_cast<int>(i);
-    ADD_FAILURE() << "no term " << label;
-    return 0;
-}
-
-TEST(ReducedTables, ParentageOfEveryConfigurationIsNormalised) {
-    // Sum of squared coefficients over the parents of each term is 1 (n = 1..14).
-    for (int n = 1; n <= 14; ++n) {
-        const auto& cfp = allConfigurationTables()[n].cfp;
-        for (int i = 0; i < cfp.rows(); ++i)
-            EXPECT_NEAR(cfp.row(i).squaredNorm(), 1.0, 1e-12) << "f" << n << " term " << i + 1;
-    }
-}
-
-TEST(ReducedTables, ComplementarityRelationsHoldForEveryRank) {
-    // U(k)(f^N) = -(-1)^k U(k)(f^(14-N)), V(1k)(f^N) = (-1)^k V(1k)(f^(14-N)), k >= 1
-    // (Nielson & Koster 1963, complementarity), for N = 8..13 built from the complementary coefficients.
-    for (int N = 8; N <= 13; ++N) {
-        const auto& high = allConfigurationTables()[N];
-        const auto& low = allConfigurationTables()[14 - N];
-        for (int k = 1; k <= 6; ++k) {
-            const double uSign = (k % 2 == 0) ? -1.0 : 1.0;
-            const double vSign = (k % 2 == 0) ? 1.0 : -1.0;
-            EXPECT_LT((high.unitTensor[k] - uSign * low.unitTensor[k]).cwiseAbs().maxCoeff(), 1e-12)
-                << "U(" << k << ") f" << N;
-            EXPECT_LT((high.doubleTensor[k] - vSign * low.doubleTensor[k]).cwiseAbs().maxCoeff(), 1e-12)
-                << "V(1" << k << ") f" << N;
+// The term lists of Nielson & Koster (1963) in their order; f^N (N = 8..13) lists the terms
+// of f^(14-N) in the same order, f14 the single term 1S.
+TEST(TermGenerator, TermListsEqualThePublishedOrder) {
+    ORVANE_REQUIRE_REFERENCE(reference);
+    for (int n = 1; n <= 13; ++n) {
+        const auto file = reference / "terms" / ("f" + std::to_string(std::min(n, 14 - n)) + "-terms.txt");
+        const auto published =
+            parseStateLabels(readTextFile(file), StateLabelForm::Standard, true, file.string());
+        const auto& generated = test::allConfigurationTables()[n].terms;  // term records
+        ASSERT_EQ(published.terms.size(), generated.size()) << "f" << n;
+        EXPECT_TRUE(published.warnings.empty());
+        for (std::size_t i = 0; i < generated.size(); ++i) {
+            const auto& record = generated[i];
+            EXPECT_EQ(record.label, published.terms[i].label) << "f" << n << " term " << i + 1;
+            EXPECT_EQ(record.seniority, published.terms[i].seniority) << record.label;
+            EXPECT_EQ(record.r7Value, published.terms[i].r7Value) << record.label;
+            EXPECT_EQ(record.g2Value, published.terms[i].g2Value) << record.label;
         }
     }
-}
-
-TEST(ReducedTables, OneElectronValues) {
-    // f1: <2F||U(k)||2F> = 1, <2F||V(1k)||2F> = sqrt(3/2); f13: U(k) = -(-1)^k (one hole).
-    for (int k = 1; k <= 6; ++k) {
-        EXPECT_NEAR(allConfigurationTables()[1].unitTensor[k](0, 0), 1.0, 1e-14);
-        EXPECT_NEAR(allConfigurationTables()[1].doubleTensor[k](0, 0), std::sqrt(1.5), 1e-14);
-        EXPECT_NEAR(allConfigurationTables()[13].unitTensor[k](0, 0), (k % 2 == 0) ? -1.0 : 1.0, 1e-14);
-    }
-}
-
-TEST(ReducedTables, PublishedValuesOfF2) {
-    // Nielson & Koster 1963, f2: <3F||U(2)||3F> = -1/3, <3H||V(11)||3H> = sqrt(165/28),
-    // |<3P||V(11)||1S>| = sqrt(3/7); U(0) of 3P = 2 sqrt(3/7) = 1.309307.
-    const auto& f2 = allConfigurationTables()[2];
-    const int p3 = termIndex(f2, "3P"), f3 = termIndex(f2, "3F"), h3 = termIndex(f2, "3H"),
-              s1 = termIndex(f2, "1S");
-    EXPECT_NEAR(f2.unitTensor[2](f3, f3), -1.0 / 3.0, 1e-14);
-    EXPECT_NEAR(f2.doubleTensor[1](h3, h3), std::sqrt(165.0 / 28.0), 1e-14);
-    EXPECT_NEAR(std::abs(f2.doubleTensor[1](p3, s1)), std::sqrt(3.0 / 7.0), 1e-14);
-    EXPECT_NEAR(f2.unitTensor[0](p3, p3), 2.0 * std::sqrt(3.0 / 7.0), 1e-14);
-}
-
-TEST(ReducedTables, ElectrostaticTracesOverTheFullSpace) {
-    // Racah 1949 operators e1, e2, e3: Tr(e1^2), Tr(e2^2), Tr(e3^2) with [S][L] weights (computed check
-    // values), cross traces 0.
-    struct Case { int n; double e1, e2, e3; };
-    const Case cases[] = {{2, 189, 1081080, 13860}, {3, 3024, 10810800, 138600}, {4, 23814, 48648600, 623700}};
-    for (const auto& c : cases) {
-        const auto& t = allConfigurationTables()[c.n];
-        const auto traces = electrostaticTraces(c.n, spinOrbitOf(t.terms), t.coulomb[0], t.coulomb[1], t.coulomb[2]);
-        EXPECT_NEAR(traces.squares[0], c.e1, 1e-8 * c.e1) << "f" << c.n;
-        EXPECT_NEAR(traces.squares[1], c.e2, 1e-8 * c.e2) << "f" << c.n;
-        EXPECT_NEAR(traces.squares[2], c.e3, 1e-8 * c.e3) << "f" << c.n;
-        for (double product : traces.products) EXPECT_NEAR(product, 0.0, 1e-6) << "f" << c.n;
-    }
-    // The products vanish in every configuration, the more-than-half-filled ones too.
-    for (int n = 2; n <= 12; ++n) {
-        const auto& t = allConfigurationTables()[n];
-        const auto traces = electrostaticTraces(n, spinOrbitOf(t.terms), t.coulomb[0], t.coulomb[1], t.coulomb[2]);
-        for (double product : traces.products) EXPECT_NEAR(product, 0.0, 1e-6 * traces.squares[1]) << "f" << n;
-    }
+    ASSERT_EQ(test::allConfigurationTables()[14].terms.size(), 1u);
+    EXPECT_EQ(test::allConfigurationTables()[14].terms[0].label, "1S");
 }
 
 // Determinant-space matrix element <psi, M=L| U(k)_q |psi', M'=L'> with q = L - L'.
@@ -175,6 +132,36 @@ TEST(ReducedTables, StoredHalfIsCompletedWithTheTranspositionPhase) {
     };
     EXPECT_LT((coulombOf(false) - t.coulomb[0]).cwiseAbs().maxCoeff(), 1e-13);
     EXPECT_GT((coulombOf(true) - t.coulomb[0]).cwiseAbs().maxCoeff(), 1e-2);
+}
+
+Eigen::MatrixXd lccfOf(int n, int K) {
+    const auto& t = allConfigurationTables()[n];
+    return lccfMatrixFromParentage(n, K, spinOrbitOf(t.terms), spinOrbitOf(t.parents), t.cfp);
+}
+
+TEST(LccfTable, HermitianSpinScalarTensorSymmetry) {
+    // A Hermitian tensor with real reduced elements (spin first, Edmonds (5.4.1)):
+    // <j||D||i> = (-1)^(L_i - L_j) <i||D||j>, and zero between different S.
+    for (int n : {2, 3, 4, 7, 9}) {
+        const auto& terms = allConfigurationTables()[n].terms;
+        const auto sl = spinOrbitOf(terms);
+        for (int K : {2, 4, 6}) {
+            const auto table = lccfOf(n, K);
+            double worst = 0.0, largest = 0.0;
+            for (Eigen::Index i = 0; i < table.rows(); ++i)
+                for (Eigen::Index j = 0; j < table.cols(); ++j) {
+                    largest = std::max(largest, std::abs(table(i, j)));
+                    if (sl[i].twiceS != sl[j].twiceS) {
+                        EXPECT_EQ(table(i, j), 0.0);
+                        continue;
+                    }
+                    const double phase = ((sl[i].L - sl[j].L) % 2 == 0) ? 1.0 : -1.0;
+                    worst = std::max(worst, std::abs(table(j, i) - phase * table(i, j)));
+                }
+            EXPECT_LT(worst, 1e-12) << "f" << n << " K = " << K;
+            EXPECT_GT(largest, 1.0) << "f" << n << " K = " << K << " is not empty";
+        }
+    }
 }
 
 }  // namespace

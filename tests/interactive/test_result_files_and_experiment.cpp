@@ -1,14 +1,39 @@
-// The comparison with observed energies.
+// Atomic result files (an abandoned write leaves the old content), the
+// comparison with observed energies and the state-vector questions.
 #include <gtest/gtest.h>
 
 #include <cmath>
 
+#include "core/atomic_file.hpp"
 #include "core/user_error.hpp"
 #include "engine/experiment_comparison.hpp"
 #include "interactive/property_dialogs.hpp"
+#include "tests/support/reference_data.hpp"
 
 namespace orvane {
 namespace {
+
+TEST(AtomicFile, CommitReplacesAndAbandonLeavesOldContent) {
+    const auto dir = test::scratchDirectory("atomic");
+    const auto path = dir / "Er.eng";
+    writeFileAtomically(path, "old\n");
+    {
+        AtomicFileWriter writer(path);
+        writer.stream() << "half-written";
+        // destroyed without commit: a failed run
+    }
+    EXPECT_EQ(readTextFile(path), "old\n");
+    {
+        AtomicFileWriter writer(path);
+        writer.stream() << "new\n";
+        writer.commit();
+    }
+    EXPECT_EQ(readTextFile(path), "new\n");
+    // No temporary file is left behind.
+    int files = 0;
+    for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(dir)) ++files;
+    EXPECT_EQ(files, 1);
+}
 
 TEST(ExperimentComparison, PairsObservedWithCalculatedByPosition) {
     // observed - calculated: 0 and +7; the third observed energy has no level.
