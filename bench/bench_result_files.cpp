@@ -59,7 +59,6 @@ const Prepared& prepared() {
         MemoryLogBook log;
         EnergyLevelOptions options;
         options.wantVectors = true;
-        options.levelBasisVectors = false;
         p.result = computeEnergyLevels(gadolinium(), benchTableDirectory(), log, options);
         p.tables = loadEngineTables(7, benchTableDirectory(), log);
         p.basis = crystalFieldResultBasis(p.tables.terms, p.result.freeIonOperators.basis);
@@ -75,7 +74,6 @@ void EngineWithVectors(benchmark::State& state) {
         MemoryLogBook log;
         EnergyLevelOptions options;
         options.wantVectors = true;
-        options.levelBasisVectors = false;
         auto result = computeEnergyLevels(gadolinium(), benchTableDirectory(), log, options);
         benchmark::DoNotOptimize(result.crystalField.levels.data());
     }

@@ -168,12 +168,6 @@ Eigen::SparseMatrix<double> crystalFieldBlockComponent(const ResidueBlock& block
 
 namespace {
 
-template <typename Level>
-void sortLevels(std::vector<Level>& levels) {
-    std::stable_sort(levels.begin(), levels.end(),
-                     [](const Level& x, const Level& y) { return x.energy < y.energy; });
-}
-
 // The term table of a key: U(k) for the crystal field, else the correlation
 // operator's (which must have been transformed for that rank).
 const Eigen::MatrixXd& reducedOf(const TransformedTensors& tensors, const CrystalFieldKey& key) {
@@ -182,64 +176,7 @@ const Eigen::MatrixXd& reducedOf(const TransformedTensors& tensors, const Crysta
     return tensors.correlation.at(key.op)[kIndex];
 }
 
-// For each state (a, J, M) of block `to`, the index of (a, J, -M) in block `from`.
-std::vector<Eigen::Index> partnerStateIndices(const CrystalFieldOperators& operators, std::size_t from,
-                                              std::size_t to) {
-    std::map<std::pair<int, int>, Eigen::Index> indexOf;  // (level, 2M) -> index in `from`
-    const auto& source = operators.blocks[from].states;
-    for (std::size_t i = 0; i < source.size(); ++i)
-        indexOf[{source[i].level, source[i].twiceM}] = static_cast<Eigen::Index>(i);
-    std::vector<Eigen::Index> indices;
-    for (const auto& state : operators.blocks[to].states) indices.push_back(indexOf.at({state.level, -state.twiceM}));
-    return indices;
-}
-
-// T (see the header) from block `from` to block `to`: (T v)(i) = phase(i) conj(v(source(i))),
-// phase (-1)^(J+M) for M the projection of state i in block `to`. Built once per block pair.
-struct TimeReversalMap {
-    std::vector<Eigen::Index> source;
-    std::vector<double> phase;
-
-    template <typename Vector, typename Conjugate>
-    Vector apply(const Vector& vector, Conjugate conjugate) const {
-        Vector result(static_cast<Eigen::Index>(source.size()));
-        for (std::size_t i = 0; i < source.size(); ++i)
-            result(static_cast<Eigen::Index>(i)) = phase[i] * conjugate(vector(source[i]));
-        return result;
-    }
-};
-
-TimeReversalMap timeReversalMap(const CrystalFieldOperators& operators, std::size_t from, std::size_t to) {
-    TimeReversalMap map{partnerStateIndices(operators, from, to), {}};
-    for (const auto& state : operators.blocks[to].states) map.phase.push_back(phaseOfTwice(state.twiceJ + state.twiceM));
-    return map;
-}
-
-std::complex<double> conjugateOf(std::complex<double> x) { return std::conj(x); }
-double conjugateOf(double x) { return x; }
-
 }  // namespace
-
-// Kramers ions (half-integral MJ, odd n): the blocks of residues r and -r are
-// time-reversal partners with the same eigenvalues.
-int earlierTimeReversalPartner(const CrystalFieldOperators& operators, std::size_t b) {
-    const int residue = operators.blocks[b].residue;
-    if (residue % 2 == 0) return -1;  // integral MJ: no Kramers degeneracy
-    const int partnerResidue = (2 * operators.fold - residue) % (2 * operators.fold);
-    for (std::size_t other = 0; other < b; ++other)
-        if (operators.blocks[other].residue == partnerResidue) return static_cast<int>(other);
-    return -1;
-}
-
-Eigen::VectorXcd timeReversedVector(const CrystalFieldOperators& operators, std::size_t from, std::size_t to,
-                                    const Eigen::VectorXcd& vector) {
-    return timeReversalMap(operators, from, to).apply(vector, [](std::complex<double> x) { return conjugateOf(x); });
-}
-
-Eigen::VectorXd timeReversedVector(const CrystalFieldOperators& operators, std::size_t from, std::size_t to,
-                                   const Eigen::VectorXd& vector) {
-    return timeReversalMap(operators, from, to).apply(vector, [](double x) { return conjugateOf(x); });
-}
 
 CrystalFieldOperators buildCrystalFieldOperators(const TransformedTensors& tensors,
                                                  const std::vector<CrystalFieldKey>& keys, int fold,
@@ -263,55 +200,6 @@ CrystalFieldOperators buildCrystalFieldOperators(const TransformedTensors& tenso
 
 namespace {
 
-// Diagonalises every block with `solveBlock(b)` (an eigen result of core/eigen_solver.hpp)
-// and collects the levels in ascending order. A block whose time-reversal
-// partner was already solved (odd n) takes the partner's eigenvalues and, when
-// vectors are asked, the partner's vectors mapped by T.
-template <typename SolveBlock>
-CrystalFieldSolution solveBlocks(const CrystalFieldOperators& operators, bool wantVectors, int lowest,
-                                 SolveBlock solveBlock) {
-    CrystalFieldSolution solution;
-    std::vector<std::size_t> firstLevelOfBlock(operators.blocks.size(), 0);
-    std::vector<Eigen::Index> levelCountOfBlock(operators.blocks.size(), 0);
-    for (std::size_t b = 0; b < operators.blocks.size(); ++b) {
-        const int partner = earlierTimeReversalPartner(operators, b);
-        firstLevelOfBlock[b] = solution.levels.size();
-        if (partner >= 0) {
-            const auto first = firstLevelOfBlock[partner];
-            levelCountOfBlock[b] = levelCountOfBlock[partner];
-            const auto map = wantVectors ? timeReversalMap(operators, partner, b) : TimeReversalMap{};
-            auto conjugate = [](auto x) { return conjugateOf(x); };
-            for (Eigen::Index i = 0; i < levelCountOfBlock[b]; ++i) {
-                const CrystalFieldLevel& source = solution.levels[first + static_cast<std::size_t>(i)];
-                CrystalFieldLevel level{source.energy, static_cast<int>(b), {}, {}};
-                if (source.vector.size() > 0) level.vector = map.apply(source.vector, conjugate);
-                if (source.complexVector.size() > 0) level.complexVector = map.apply(source.complexVector, conjugate);
-                solution.levels.push_back(std::move(level));
-            }
-            continue;
-        }
-        auto result = solveBlock(b);
-        if (result.status != EigenStatus::Ok) {
-            solution.status = result.status;
-            solution.levels.clear();
-            return solution;
-        }
-        levelCountOfBlock[b] = result.values.size();
-        for (Eigen::Index i = 0; i < result.values.size(); ++i) {
-            CrystalFieldLevel level{result.values(i), static_cast<int>(b), {}, {}};
-            if constexpr (std::is_same_v<decltype(result.vectors), Eigen::MatrixXcd>) {
-                if (wantVectors) level.complexVector = result.vectors.col(i);
-            } else {
-                if (wantVectors) level.vector = result.vectors.col(i);
-            }
-            solution.levels.push_back(std::move(level));
-        }
-    }
-    sortLevels(solution.levels);
-    if (lowest >= 0 && solution.levels.size() > static_cast<std::size_t>(lowest)) solution.levels.resize(lowest);
-    return solution;
-}
-
 // The real part of one block: free-ion energies on the diagonal plus the
 // parameters times their components.
 Eigen::MatrixXd realBlockMatrix(const CrystalFieldOperators& operators, std::size_t b,
@@ -328,17 +216,6 @@ Eigen::MatrixXd realBlockMatrix(const CrystalFieldOperators& operators, std::siz
 
 }  // namespace
 
-CrystalFieldSolution solveRealCrystalField(const CrystalFieldOperators& operators,
-                                           const std::vector<double>& freeIonEnergies,
-                                           const std::vector<double>& realParameters, bool wantVectors,
-                                           int lowest) {
-    return solveBlocks(operators, wantVectors, lowest, [&](std::size_t b) {
-        Eigen::MatrixXd matrix = realBlockMatrix(operators, b, freeIonEnergies, realParameters);
-        return wantVectors ? symmetricEigenpairs(std::move(matrix), lowest)
-                           : symmetricEigenvalues(std::move(matrix), lowest);
-    });
-}
-
 Eigen::MatrixXcd complexBlockMatrix(const CrystalFieldOperators& operators, std::size_t b,
                                     const std::vector<double>& freeIonEnergies,
                                     const std::vector<double>& realParameters,
@@ -353,19 +230,6 @@ Eigen::MatrixXcd complexBlockMatrix(const CrystalFieldOperators& operators, std:
     matrix.real() = realMatrix;
     matrix.imag() = imaginaryMatrix;
     return matrix;
-}
-
-CrystalFieldSolution solveComplexCrystalField(const CrystalFieldOperators& operators,
-                                              const std::vector<double>& freeIonEnergies,
-                                              const std::vector<double>& realParameters,
-                                              const std::vector<double>& imaginaryParameters, bool wantVectors,
-                                              int lowest) {
-    return solveBlocks(operators, wantVectors, lowest, [&](std::size_t b) {
-        Eigen::MatrixXcd matrix =
-            complexBlockMatrix(operators, b, freeIonEnergies, realParameters, imaginaryParameters);
-        return wantVectors ? hermitianEigenpairs(std::move(matrix), lowest)
-                           : hermitianEigenvalues(std::move(matrix), lowest);
-    });
 }
 
 }  // namespace orvane

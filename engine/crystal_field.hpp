@@ -108,11 +108,11 @@ CrystalFieldOperators buildCrystalFieldOperators(const TransformedTensors& tenso
                                                  const std::vector<CrystalFieldKey>& keys, int fold,
                                                  bool withImaginaryParts = false);
 
+// A crystal-field level of a run: its energy and block (the vectors are the
+// model's, engine/model.hpp).
 struct CrystalFieldLevel {
     double energy = 0.0;
-    int block = 0;           // index into CrystalFieldOperators::blocks
-    Eigen::VectorXd vector;  // over the block's states; empty when vectors were not asked
-    Eigen::VectorXcd complexVector;  // the same from the complex engine
+    int block = 0;  // index into CrystalFieldOperators::blocks
 };
 
 struct CrystalFieldSolution {
@@ -120,47 +120,12 @@ struct CrystalFieldSolution {
     std::vector<CrystalFieldLevel> levels;  // ascending energy
 };
 
-// For Kramers ions (half-integral MJ), a block whose time-reversal partner
-// (residue -r mod 2p) was solved before takes the partner's eigenvalues
-// instead of being diagonalised again, and, when vectors are asked, the
-// partner's eigenvectors mapped by T (above).
-
-// `lowest` = m asks only for the m lowest levels overall: each block is asked
-// for its m lowest eigenpairs (LAPACK's index range) and the merged list is cut
-// at m.
-
-// Real engine: diagonal `freeIonEnergies` (per level) plus sum of Re B(k,q) x
-// component in each block; `realParameters[i]` belongs to operators.keys[i].
-CrystalFieldSolution solveRealCrystalField(const CrystalFieldOperators& operators,
-                                           const std::vector<double>& freeIonEnergies,
-                                           const std::vector<double>& realParameters, bool wantVectors,
-                                           int lowest = kAllEigenvalues);
-
-// Complex engine: Hermitian blocks with Re and Im B(k,q) (operators built with
-// imaginary parts), diagonalised by zheevr.
-CrystalFieldSolution solveComplexCrystalField(const CrystalFieldOperators& operators,
-                                              const std::vector<double>& freeIonEnergies,
-                                              const std::vector<double>& realParameters,
-                                              const std::vector<double>& imaginaryParameters, bool wantVectors,
-                                              int lowest = kAllEigenvalues);
-
-// The Hermitian matrix of block b that the complex engine diagonalises:
-// free-ion energies on the diagonal plus Re B(k,q) x real component + i Im B(k,q) x A
-// (also used to list the blocks for "/printhm").
+// The Hermitian matrix of block b between free-ion levels: free-ion energies
+// on the diagonal plus Re B(k,q) x real component + i Im B(k,q) x A (the
+// "/printhm" listing of complex blocks).
 Eigen::MatrixXcd complexBlockMatrix(const CrystalFieldOperators& operators, std::size_t b,
                                     const std::vector<double>& freeIonEnergies,
                                     const std::vector<double>& realParameters,
                                     const std::vector<double>& imaginaryParameters);
-
-// The time-reversal partner of block b among the blocks before it (Kramers
-// ions only), or -1.
-int earlierTimeReversalPartner(const CrystalFieldOperators& operators, std::size_t b);
-
-// T v of a vector of block `from` as a vector of its partner block `to`
-// (the complex form conjugates; the real form is the same map on real vectors).
-Eigen::VectorXcd timeReversedVector(const CrystalFieldOperators& operators, std::size_t from, std::size_t to,
-                                    const Eigen::VectorXcd& vector);
-Eigen::VectorXd timeReversedVector(const CrystalFieldOperators& operators, std::size_t from, std::size_t to,
-                                   const Eigen::VectorXd& vector);
 
 }  // namespace orvane

@@ -49,39 +49,6 @@ void logFreeIonRequests(const ParameterSet& set, const EnergyLevelResult& result
 }
 
 
-// For every state |a J MJ> of a block of free-ion levels, the first state of
-// the model's patch (MJ, J block of level a) in the model block of the same residue.
-std::vector<int> patchOffsets(const Model& model, std::size_t b, const ResidueBlock& levelBlock,
-                              const FreeIonSolution& freeIon) {
-    std::map<std::pair<int, int>, int> offsetOf;  // (2M, J block) -> first state of the patch
-    const auto& jBasis = model.freeIonOperators().basis;
-    const auto& states = model.blocks()[b].states;
-    std::vector<int> jBlockOf(jBasis.states.size());
-    for (int jb = 0; jb < static_cast<int>(jBasis.blocks.size()); ++jb)
-        for (int s : jBasis.blocks[jb].states) jBlockOf[s] = jb;
-    for (int i = static_cast<int>(states.size()) - 1; i >= 0; --i)
-        offsetOf[{states[i].twiceM, jBlockOf[states[i].jState]}] = i;
-    std::vector<int> offsets;
-    for (const auto& state : levelBlock.states)
-        offsets.push_back(offsetOf.at({state.twiceM, freeIon.levels[state.level].block}));
-    return offsets;
-}
-
-// A crystal-field vector of the model (over |SL J MJ> of its block) on the
-// states |a J MJ> of the free-ion levels a in the matching residue block:
-// <a J M|psi> = sum_s v_a(s) <s J M|psi>, v_a the free-ion eigenvector.
-template <typename Vector>
-Vector onFreeIonLevels(const std::vector<int>& offsets, const ResidueBlock& levelBlock,
-                       const FreeIonSolution& freeIon, const Vector& vector) {
-    Vector result(static_cast<Eigen::Index>(levelBlock.states.size()));
-    for (std::size_t i = 0; i < levelBlock.states.size(); ++i) {
-        const auto& level = freeIon.levels[levelBlock.states[i].level];
-        result(static_cast<Eigen::Index>(i)) =
-            level.vector.template cast<typename Vector::Scalar>().dot(vector.segment(offsets[i], level.vector.size()));
-    }
-    return result;
-}
-
 }  // namespace
 
 EnergyLevelResult computeEnergyLevels(const ParameterSet& set, const std::filesystem::path& tableDirectory,
@@ -147,20 +114,7 @@ EnergyLevelResult computeEnergyLevels(const ParameterSet& set, const std::filesy
                                         result.crystalFieldImaginary)))
                 log.appendLine(line);
     }
-    std::vector<std::vector<int>> offsets;
-    if (options.wantVectors && options.levelBasisVectors)
-        for (std::size_t b = 0; b < operators.blocks.size(); ++b)
-            offsets.push_back(patchOffsets(model, b, operators.blocks[b], result.freeIon));
-    for (const auto& level : solution.levels) {
-        CrystalFieldLevel converted{level.energy, level.block, {}, {}};
-        const auto b = static_cast<std::size_t>(level.block);
-        if (!offsets.empty() && level.vector.size() > 0)
-            converted.vector = onFreeIonLevels(offsets[b], operators.blocks[b], result.freeIon, level.vector);
-        if (!offsets.empty() && level.complexVector.size() > 0)
-            converted.complexVector =
-                onFreeIonLevels(offsets[b], operators.blocks[b], result.freeIon, level.complexVector);
-        result.crystalField.levels.push_back(std::move(converted));
-    }
+    for (const auto& level : solution.levels) result.crystalField.levels.push_back({level.energy, level.block});
     if (options.wantVectors) result.modelLevels = std::move(solution.levels);
     return result;
 }

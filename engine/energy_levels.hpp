@@ -37,10 +37,6 @@ struct EnergyLevelOptions {
     bool wantVectors = false;
     bool complex = false;  // Hermitian blocks with Im B(k,q) (zheevr) instead of real ones
     int lowest = kAllEigenvalues;  // only the lowest m crystal-field levels (index range per block)
-    // With wantVectors: also carry the vectors onto the |a J MJ> states of the
-    // free-ion levels (CrystalFieldLevel::vector). Reports need only the
-    // model's |SL J MJ> vectors and switch this off.
-    bool levelBasisVectors = true;
 };
 
 struct EnergyLevelResult {
@@ -56,7 +52,7 @@ struct EnergyLevelResult {
     TransformedTensors crystalFieldTensors;  // U(k) and correlation tensors between free-ion levels
     // The |a J MJ> blocks of the free-ion levels (components not built: see levelBasisOperators).
     CrystalFieldOperators crystalFieldOperators;
-    // Levels with their vectors over the |a J MJ> states of those blocks.
+    // Levels (energy and block) of the crystal field.
     CrystalFieldSolution crystalField;       // empty when the crystal field was not asked
     // The prepared model of the run and its crystal-field levels with the
     // vectors over the model's |SL J MJ> blocks (when vectors were asked).

@@ -200,7 +200,6 @@ RunOutcome runEngine(int mode, std::filesystem::path parameterFile, RunRequest r
     EnergyLevelOptions options;
     options.crystalField = !freeIon;
     options.wantVectors = true;
-    options.levelBasisVectors = false;  // the reports list the model's |SL J MJ> vectors
     options.complex = complex;
     MemoryLogBook engineLog;
     const auto run = runWithTables(set, options, environment, engineLog, engineError);

@@ -16,6 +16,7 @@
 #include "core/log_book.hpp"
 #include "engine/configuration_tables.hpp"
 #include "engine/energy_levels.hpp"
+#include "engine/model.hpp"
 #include "engine/parameter_set.hpp"
 
 namespace orvane::test {
@@ -86,6 +87,13 @@ inline std::vector<CrystalFieldRow> laf3CrystalField() {
 inline std::vector<CrystalFieldRow> lowSymmetryCrystalField() {
     return {bkq(2, 0, -300), bkq(2, 1, 150), bkq(2, 2, -120), bkq(4, 0, 700), bkq(4, 1, -210), bkq(4, 3, 330),
             bkq(4, 4, 500),  bkq(6, 0, 650), bkq(6, 2, -800), bkq(6, 3, 270), bkq(6, 5, -140), bkq(6, 6, -600)};
+}
+
+// A prepared model of the set from the shared test tables (the correlation
+// operators too).
+inline Model buildModel(const ParameterSet& set, bool crystalField, bool complex) {
+    MemoryLogBook log;
+    return Model::build(modelSetupOf(set, crystalField, complex), engineTableDirectory(), log);
 }
 
 inline EnergyLevelResult runLevels(const ParameterSet& set, EnergyLevelOptions options = {},

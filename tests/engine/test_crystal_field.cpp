@@ -1,8 +1,6 @@
 // The crystal-field stage: first-order splittings against closed forms
-// (Stevens factors), refused parameters, the lowest-m request, eigenvectors of
-// Kramers partner blocks by time reversal, the cubic crystal field
-// ("/cubiccf"), orthogonal correlation tables and the derivatives by the
-// correlation parameters.
+// (Stevens factors), refused parameters, the lowest-m request, the cubic
+// crystal field ("/cubiccf") and orthogonal correlation tables.
 #include "engine/crystal_field.hpp"
 
 #include <gtest/gtest.h>
@@ -124,70 +122,6 @@ TEST(CrystalFieldInvariants, LowestLevelsOnlyAreTheBottomOfTheFullSpectrum) {
         for (std::size_t i = 0; i < expected; ++i)
             EXPECT_NEAR(part.crystalField.levels[i].energy, full.crystalField.levels[i].energy, 1e-7)
                 << "f" << c.n << " lowest " << c.lowest << " level " << i;
-    }
-}
-
-// The block's Hamiltonian rebuilt from the stored components (diagonal free-ion
-// energies, Re parts, i times the antisymmetric Im parts).
-Eigen::MatrixXcd blockHamiltonian(const EnergyLevelResult& result, std::size_t b) {
-    const auto operators = levelBasisOperators(result, !result.crystalFieldImaginary.empty());
-    const auto& states = operators.blocks[b].states;
-    const auto size = static_cast<Eigen::Index>(states.size());
-    Eigen::MatrixXcd h = Eigen::MatrixXcd::Zero(size, size);
-    for (Eigen::Index i = 0; i < size; ++i) h(i, i) = result.freeIon.levels[states[i].level].energy;
-    for (std::size_t key = 0; key < operators.keys.size(); ++key) {
-        h += result.crystalFieldValues[key] * Eigen::MatrixXd(operators.realPart[key][b]).cast<std::complex<double>>();
-        if (!operators.imaginaryPart.empty())
-            h += std::complex<double>(0.0, result.crystalFieldImaginary[key]) *
-                 Eigen::MatrixXd(operators.imaginaryPart[key][b]).cast<std::complex<double>>();
-    }
-    return h;
-}
-
-Eigen::VectorXcd vectorOf(const CrystalFieldLevel& level) {
-    return level.complexVector.size() > 0 ? level.complexVector : level.vector.cast<std::complex<double>>();
-}
-
-TEST(CrystalFieldTimeReversal, PartnerVectorsAreOrthonormalEigenvectorsOfTheirBlock) {
-    // f3 at folds 2 and 3 and f11 (through f3) at fold 2: the blocks of residue -r take
-    // their vectors from block r by (T v)(a,J,-M) = (-1)^(J-M) conj v(a,J,M). Each mapped
-    // vector must satisfy H v = E v in its own block (residue below 1e-9 of ||H||) and the
-    // mapped set must be orthonormal, for the real and the complex engines.
-    struct Case { int n; int fold; bool complex; };
-    for (const Case& c : {Case{3, 2, true}, Case{3, 3, false}, Case{11, 2, true}}) {
-        std::vector<CrystalFieldRow> parameters =
-            c.fold == 2 ? std::vector<CrystalFieldRow>{bkq(2, 0, -300), bkq(2, 2, -120, 60), bkq(4, 0, 700),
-                                                       bkq(4, 4, 500, -150), bkq(6, 2, -800, 40), bkq(6, 6, 300, 90)}
-                        : std::vector<CrystalFieldRow>{bkq(2, 0, -300), bkq(4, 0, 700), bkq(4, 3, 330, 120),
-                                                       bkq(6, 0, 650), bkq(6, 3, 270, -200), bkq(6, 6, -600, 90)};
-        if (!c.complex)
-            for (auto& p : parameters) p.im = {"0", 0.0};
-        const auto result = run(ionSet(c.n, 751.7, parameters, c.fold), true, c.complex);
-        const auto operators = levelBasisOperators(result, !result.crystalFieldImaginary.empty());
-        const std::string what = "f" + std::to_string(c.n) + " fold " + std::to_string(c.fold) +
-                                 (c.complex ? " complex" : " real");
-        int partnerBlocks = 0;
-        for (std::size_t b = 0; b < operators.blocks.size(); ++b) {
-            if (earlierTimeReversalPartner(operators, b) < 0) continue;
-            ++partnerBlocks;
-            const Eigen::MatrixXcd h = blockHamiltonian(result, b);
-            const double norm = h.cwiseAbs().maxCoeff();
-            std::vector<Eigen::VectorXcd> vectors;
-            for (const auto& level : result.crystalField.levels) {
-                if (level.block != static_cast<int>(b)) continue;
-                const Eigen::VectorXcd v = vectorOf(level);
-                ASSERT_EQ(v.size(), h.rows()) << what;
-                EXPECT_LT((h * v - level.energy * v).norm(), 1e-9 * norm) << what << " block " << b;
-                vectors.push_back(v);
-            }
-            ASSERT_EQ(static_cast<Eigen::Index>(vectors.size()), h.rows()) << what;
-            double worst = 0.0;
-            for (std::size_t i = 0; i < vectors.size(); ++i)
-                for (std::size_t j = 0; j < vectors.size(); ++j)
-                    worst = std::max(worst, std::abs(vectors[i].dot(vectors[j]) - (i == j ? 1.0 : 0.0)));
-            EXPECT_LT(worst, 1e-12) << what << " orthonormality of block " << b;
-        }
-        EXPECT_GT(partnerBlocks, 0) << what;
     }
 }
 

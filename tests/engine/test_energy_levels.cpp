@@ -11,10 +11,8 @@
 #include <string>
 #include <vector>
 
-#include <fmt/format.h>
-
 #include "core/user_error.hpp"
-#include "engine/energy_levels_derivatives.hpp"
+#include "engine/model.hpp"
 #include "engine/j_basis.hpp"
 #include "tests/engine/engine_test_support.hpp"
 
@@ -35,60 +33,44 @@ ParameterSet praseodymium() {
     return set;
 }
 
-EnergyLevelResult run(const ParameterSet& set, bool complex = false) { return test::runLevels(set, {true, true, complex}); }
-
-std::size_t columnOf(const LevelDerivatives& derivatives, const std::string& name) {
-    for (std::size_t i = 0; i < derivatives.parameters.size(); ++i)
-        if (derivatives.parameters[i] == name) return i;
-    ADD_FAILURE() << "no derivative column " << name;
-    return 0;
+// Euler's relation: the Hamiltonian is linear in its parameters, so
+// E = sum_p p dE/dp for every level, free ion and crystal field, real and complex.
+TEST(ModelDerivatives, EulerRelationForFreeIonAndCrystalFieldLevels) {
+    for (const bool crystalField : {false, true})
+        for (const bool complex : {false, true}) {
+            if (complex && !crystalField) continue;
+            auto set = praseodymium();
+            if (complex) set.crystalField[1] = bkq(2, 2, -120, 75);
+            const Model model = test::buildModel(set, crystalField, complex);
+            const auto parameters = parameterVectorOf(set, complex);
+            const auto ids = model.parameterIds();
+            ModelWorkspace workspace;
+            const auto solution = model.solve(parameters, {false, false, kAllEigenvalues, ids}, workspace);
+            const auto count = solution.derivatives.rows();
+            for (Eigen::Index level = 0; level < count; ++level) {
+                double sum = 0.0;
+                for (std::size_t p = 0; p < ids.size(); ++p)
+                    sum += parameters.value(ids[p]) * solution.derivatives(level, static_cast<Eigen::Index>(p));
+                const double energy = crystalField ? solution.levels[level].energy
+                                                   : solution.freeIon.levels[level].energy;
+                EXPECT_NEAR(sum, energy, 1e-7 * (1 + std::abs(energy)))
+                    << (crystalField ? (complex ? "complex" : "real") : "free ion") << " level " << level;
+            }
+        }
 }
 
-// Applied value of every derivative column, for Euler's relation.
-double appliedValue(const EnergyLevelResult& result, const std::string& name) {
-    if (auto found = result.freeIonWeights.find(name); found != result.freeIonWeights.end()) return found->second;
-    for (std::size_t key = 0; key < result.crystalFieldKeys.size(); ++key) {
-        const auto& k = result.crystalFieldKeys[key];
-        if (name == fmt::format("ReB({},{})", k.k, k.q)) return result.crystalFieldValues[key];
-        if (name == fmt::format("ImB({},{})", k.k, k.q)) return result.crystalFieldImaginary[key];
-    }
-    ADD_FAILURE() << "no parameter " << name;
-    return 0.0;
-}
-
-void expectEulerRelation(const EnergyLevelResult& result, const LevelDerivatives& derivatives,
-                         const std::vector<double>& energies, const char* what) {
-    for (Eigen::Index level = 0; level < derivatives.values.rows(); ++level) {
-        double sum = 0.0;
-        for (std::size_t p = 0; p < derivatives.parameters.size(); ++p)
-            sum += appliedValue(result, derivatives.parameters[p]) * derivatives.values(level, p);
-        EXPECT_NEAR(sum, energies[level], 1e-7 * (1 + std::abs(energies[level]))) << what << " level " << level;
-    }
-}
-
-TEST(EnergyLevelDerivatives, EulerRelationForFreeIonAndCrystalFieldLevels) {
-    for (bool complex : {false, true}) {
-        auto set = praseodymium();
-        if (complex) set.crystalField[1] = bkq(2, 2, -120, 75);
-        const auto result = run(set, complex);
-        std::vector<double> freeIonEnergies, crystalFieldEnergies;
-        for (const auto& level : result.freeIon.levels) freeIonEnergies.push_back(level.energy);
-        for (const auto& level : result.crystalField.levels) crystalFieldEnergies.push_back(level.energy);
-        expectEulerRelation(result, freeIonDerivatives(result), freeIonEnergies, "free ion");
-        expectEulerRelation(result, crystalFieldDerivatives(result), crystalFieldEnergies,
-                            complex ? "complex crystal field" : "real crystal field");
-    }
-}
-
-// dE/dp against central differences (step 0.25 cm^-1) for the lowest levels; for odd n
-// (Kramers doublets) the derivative of a doublet is the sum over its two vectors.
+// dE/dp against central differences (step 0.25 cm^-1) for the lowest levels
+// of the parameters the model-route tests do not reach (an imaginary part at
+// q = 1, the correlation crystal fields); for odd n (Kramers doublets) the
+// derivative of a doublet is the sum over its two states.
 struct DifferenceCase {
-    const char* column;
+    const char* name;
+    ParameterId id;
     std::function<void(ParameterSet&)> prepare;
     std::function<double&(ParameterSet&)> value;
 };
 
-TEST(EnergyLevelDerivatives, MatchCentralFiniteDifferences) {
+TEST(ModelDerivatives, MatchCentralFiniteDifferencesOfCorrelationAndImaginaryParts) {
     auto correlated = [](ParameterSet& s) {
         s.fold = 1;
         s.crystalField.push_back(bkq(2, 1, 90));
@@ -97,33 +79,37 @@ TEST(EnergyLevelDerivatives, MatchCentralFiniteDifferences) {
         s.switches.correlationSections = true;
     };
     const DifferenceCase cases[] = {
-        {"ImB(2,1)",
+        {"ImB(2,1)", crystalFieldParameterId(CrystalFieldOperator::Standard, 2, 1, true),
          [](ParameterSet& s) {
              s.electronCount = 1;
              s.fold = 1;
              s.crystalField.push_back(bkq(2, 1, 140, -90));
          },
          [](ParameterSet& s) -> double& { return s.crystalField.back().im.value; }},
-        {"ReSCCF C(4,1)", correlated, [](ParameterSet& s) -> double& { return s.correlationCF[0].rows[1].re.value; }},
-        {"ReLCCF D(6,3)", correlated, [](ParameterSet& s) -> double& { return s.correlationCF[1].rows[0].re.value; }},
+        {"SCCF C(4,1)", crystalFieldParameterId(CrystalFieldOperator::Sccf, 4, 1, false), correlated,
+         [](ParameterSet& s) -> double& { return s.correlationCF[0].rows[1].re.value; }},
+        {"LCCF D(6,3)", crystalFieldParameterId(CrystalFieldOperator::Lccf, 6, 3, false), correlated,
+         [](ParameterSet& s) -> double& { return s.correlationCF[1].rows[0].re.value; }},
     };
     for (const auto& c : cases) {
         auto set = praseodymium();
         c.prepare(set);
-        const auto derivatives = crystalFieldDerivatives(run(set, true));
-        const auto column = columnOf(derivatives, c.column);
+        const Model model = test::buildModel(set, true, true);
+        ModelWorkspace workspace;
+        const auto solution = model.solve(parameterVectorOf(set, true), {false, false, kAllEigenvalues, {c.id}}, workspace);
         auto plus = set, minus = set;
         c.value(plus) += 0.25;
         c.value(minus) -= 0.25;
-        const auto up = test::runLevels(plus, {true, false, true}), down = test::runLevels(minus, {true, false, true});
+        const auto up = model.solve(parameterVectorOf(plus, true), {}, workspace).levels;
+        const auto down = model.solve(parameterVectorOf(minus, true), {}, workspace).levels;
         const std::size_t step = set.electronCount % 2 == 1 ? 2 : 1;
-        for (std::size_t level = 0; level < std::min<std::size_t>(20, up.crystalField.levels.size()); level += step) {
+        for (std::size_t level = 0; level < std::min<std::size_t>(20, up.size()); level += step) {
             double numeric = 0.0, analytic = 0.0;
             for (std::size_t i = level; i < level + step; ++i) {
-                numeric += (up.crystalField.levels[i].energy - down.crystalField.levels[i].energy) / 0.5;
-                analytic += derivatives.values(static_cast<Eigen::Index>(i), static_cast<Eigen::Index>(column));
+                numeric += (up[i].energy - down[i].energy) / 0.5;
+                analytic += solution.derivatives(static_cast<Eigen::Index>(i), 0);
             }
-            EXPECT_NEAR(analytic, numeric, 1e-4 * (1 + std::abs(numeric))) << c.column << " level " << level;
+            EXPECT_NEAR(analytic, numeric, 1e-4 * (1 + std::abs(numeric))) << c.name << " level " << level;
         }
     }
 }

@@ -1,6 +1,6 @@
 // The prepared model: derivatives against finite differences (on both routes,
 // so a wrong conjugate sign shows), the lowest-m request, time-reversal
-// partner blocks for even n, and concurrent solves on separate workspaces.
+// partner blocks, and concurrent solves on separate workspaces.
 #include <thread>
 
 #include <gtest/gtest.h>
@@ -72,37 +72,61 @@ INSTANTIATE_TEST_SUITE_P(Routes, ModelDerivatives,
                                            DerivativeCase{"f11_conjugate_fold2_complex", 11, 2, true}),
                          [](const auto& info) { return std::string(info.param.name); });
 
-// Even n: the blocks of residues r and -r are solved once; the partner's
-// levels must equal a direct diagonalisation of the partner's own matrix.
-TEST(Model, EvenElectronPartnerBlocksAndLowestLevels) {
-    const auto set = test::praseodymiumLikeSet(
-        2, 750.0, {bkq(2, 0, -250), bkq(4, 0, 600), bkq(4, 3, 300, 120), bkq(6, 3, -500, 80), bkq(6, 6, 400, -60)},
-        3);
-    const Model model = modelOf(set, true);
-    const auto parameters = parameterVectorOf(set, true);
-    ModelWorkspace workspace;
-    const auto all = model.solve(parameters, {false, true, kAllEigenvalues, {}}, workspace);
-    bool sawPartner = false;
-    for (std::size_t b = 0; b < model.blocks().size(); ++b) {
-        if (model.blocks()[b].partner < 0) continue;
-        sawPartner = true;
-        Eigen::MatrixXcd matrix = model.blockMatrix(b, parameters).cast<std::complex<double>>();
-        matrix.imag() = model.imaginaryBlockMatrix(b, parameters);
-        const auto direct = solveHermitianEigen(matrix, {});
-        std::vector<double> mapped;
-        for (const auto& level : all.levels)
-            if (level.block == static_cast<int>(b)) {
-                mapped.push_back(level.energy);
-                // The mapped vector is an eigenvector of the partner block itself.
-                EXPECT_LT((matrix * level.complexVector - level.energy * level.complexVector).norm(), 1e-8);
-            }
-        ASSERT_EQ(mapped.size(), static_cast<std::size_t>(direct.values.size()));
-        for (std::size_t i = 0; i < mapped.size(); ++i) EXPECT_NEAR(mapped[i], direct.values(i), 1e-8);
+// The blocks of residues r and -r are solved once, for even and odd n, real
+// and complex: the partner's levels must equal a direct diagonalisation of
+// the partner's own matrix (built from its own components), and its mapped
+// vectors (T v)(s,J,-M) = (-1)^(J-M) conj v(s,J,M) must be orthonormal
+// eigenvectors of that matrix. The lowest-m request cuts the same spectrum.
+TEST(Model, PartnerBlocksByTimeReversalAndLowestLevels) {
+    struct Case {
+        int n;
+        int fold;
+        bool complex;
+    };
+    for (const Case& c : {Case{2, 3, true}, Case{3, 2, true}, Case{3, 3, false}, Case{11, 2, true}}) {
+        const std::string what = "f" + std::to_string(c.n) + " fold " + std::to_string(c.fold) +
+                                 (c.complex ? " complex" : " real");
+        const double im = c.complex ? 1.0 : 0.0;
+        const auto set = test::praseodymiumLikeSet(
+            c.n, 750.0,
+            {bkq(2, 0, -250), bkq(4, 0, 600), bkq(4, c.fold, 300, 120 * im), bkq(6, c.fold, -500, 80 * im),
+             bkq(6, 2 * c.fold, 400, -60 * im)},
+            c.fold);
+        const Model model = modelOf(set, c.complex);
+        const auto parameters = parameterVectorOf(set, c.complex);
+        ModelWorkspace workspace;
+        const auto all = model.solve(parameters, {false, true, kAllEigenvalues, {}}, workspace);
+        int partners = 0;
+        for (std::size_t b = 0; b < model.blocks().size(); ++b) {
+            if (model.blocks()[b].partner < 0) continue;
+            ++partners;
+            Eigen::MatrixXcd matrix = model.blockMatrix(b, parameters).cast<std::complex<double>>();
+            matrix.imag() = model.imaginaryBlockMatrix(b, parameters);
+            const auto direct = solveHermitianEigen(matrix, {});
+            const double norm = matrix.cwiseAbs().maxCoeff();
+            std::vector<double> mapped;
+            std::vector<Eigen::VectorXcd> vectors;
+            for (const auto& level : all.levels)
+                if (level.block == static_cast<int>(b)) {
+                    const Eigen::VectorXcd v =
+                        c.complex ? level.complexVector : Eigen::VectorXcd(level.vector.cast<std::complex<double>>());
+                    EXPECT_LT((matrix * v - level.energy * v).norm(), 1e-9 * norm) << what << " block " << b;
+                    mapped.push_back(level.energy);
+                    vectors.push_back(v);
+                }
+            ASSERT_EQ(mapped.size(), static_cast<std::size_t>(direct.values.size())) << what;
+            for (std::size_t i = 0; i < mapped.size(); ++i) EXPECT_NEAR(mapped[i], direct.values(i), 1e-8) << what;
+            double worst = 0.0;
+            for (std::size_t i = 0; i < vectors.size(); ++i)
+                for (std::size_t j = 0; j < vectors.size(); ++j)
+                    worst = std::max(worst, std::abs(vectors[i].dot(vectors[j]) - (i == j ? 1.0 : 0.0)));
+            EXPECT_LT(worst, 1e-12) << what << " orthonormality of block " << b;
+        }
+        EXPECT_GT(partners, 0) << what;
+        const auto lowest = model.solve(parameters, {false, false, 7, {}}, workspace);
+        ASSERT_EQ(lowest.levels.size(), 7u);
+        for (std::size_t i = 0; i < 7; ++i) EXPECT_NEAR(lowest.levels[i].energy, all.levels[i].energy, 1e-8) << what;
     }
-    EXPECT_TRUE(sawPartner);
-    const auto lowest = model.solve(parameters, {false, false, 7, {}}, workspace);
-    ASSERT_EQ(lowest.levels.size(), 7u);
-    for (std::size_t i = 0; i < 7; ++i) EXPECT_NEAR(lowest.levels[i].energy, all.levels[i].energy, 1e-8);
 }
 
 TEST(Model, ConcurrentSolvesOnSeparateWorkspacesAgree) {

@@ -1,7 +1,7 @@
 #pragma once
-// Eigenstates of a parameter set for the property tests: in-memory tables of
-// the model's configuration (f^n, or f^(14-n) on the conjugate route), or the
-// generated table directory of the engine tests for the example files.
+// Eigenstates of a parameter set for the property tests, from the generated
+// table directory of the engine tests (the model's configuration: f^n, or
+// f^(14-n) on the conjugate route).
 #include <filesystem>
 
 #include "core/log_book.hpp"
@@ -20,12 +20,12 @@ inline PropertyStates solvedStates(const Model& model, const ParameterSet& set, 
                                       : freeIonStates(model, solution.freeIon, 1.0);
 }
 
-// States of a set from in-memory tables (three-body and magnetic operators left out).
+// States of a set from the tables of the engine tests.
 inline PropertyStates statesOf(const ParameterSet& set, bool crystalField, bool complex = false) {
     const auto setup = modelSetupOf(set, crystalField, complex);
     const bool conjugate = set.electronCount > 7 && !set.switches.actualShell;
     const auto model =
-        Model::fromTables(setup, inMemoryTables(conjugate ? 14 - set.electronCount : set.electronCount));
+        Model::fromTables(setup, engineTables(conjugate ? 14 - set.electronCount : set.electronCount));
     return solvedStates(model, set, complex);
 }
 
