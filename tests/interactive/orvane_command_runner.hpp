@@ -43,6 +43,13 @@ inline CommandResult runOrvane(const std::string& arguments) {
     return result;
 }
 
+// The table folder the engine tests fill, shared by the command runs.
+inline std::filesystem::path commandTableDirectory() {
+    const auto path = std::filesystem::path(ORVANE_BINARY_DIR) / "test-scratch" / "engine-tables";
+    std::filesystem::create_directories(path);
+    return path;
+}
+
 inline std::string lastLine(const std::string& text) {
     std::string trimmed = text;
     while (!trimmed.empty() && (trimmed.back() == '\n' || trimmed.back() == '\r')) trimmed.pop_back();

@@ -63,12 +63,6 @@ TEST(OrvaneCommand, EigenSolvesTheExampleMatrix) {
     EXPECT_EQ(runOrvane("eigen examples/no-such-matrix.txt").exitCode, 1);
 }
 
-std::filesystem::path tableDirectory() {
-    const auto path = std::filesystem::path(ORVANE_BINARY_DIR) / "test-scratch" / "engine-tables";
-    std::filesystem::create_directories(path);
-    return path;
-}
-
 std::filesystem::path copyExample(const std::filesystem::path& dir, const std::string& name) {
     const auto target = dir / name;
     std::filesystem::copy_file(test::sourceDirectory() / "examples" / "Pr3plus-LaF3.par", target,
@@ -80,7 +74,7 @@ TEST(RunCommand, BadInputExitsWithOneAndWritesNothing) {
     const auto dir = test::scratchDirectory("cli_run_bad");
     std::ofstream(dir / "bad.par") << "title only\n";
     const auto result = test::runOrvane("run '" + (dir / "bad.par").string() + "' --tables '" +
-                                        tableDirectory().string() + "'");
+                                        test::commandTableDirectory().string() + "'");
     EXPECT_EQ(result.exitCode, 1);
     EXPECT_NE(result.err.find("bad.par"), std::string::npos) << result.err;
     EXPECT_FALSE(std::filesystem::exists(dir / "bad.gen"));
@@ -94,7 +88,7 @@ TEST(BatchCommand, MissingRowIsReportedAndTheNextRuns) {
     copyExample(dir, "second.par");
     std::ofstream(dir / "jobs.txt") << "first.par\n\n# a comment\nabsent.par\n" << (dir / "second.par").string() << "\n";
     const auto result = test::runOrvane("batch '" + (dir / "jobs.txt").string() + "' --free-ion --tables '" +
-                                        tableDirectory().string() + "'");
+                                        test::commandTableDirectory().string() + "'");
     EXPECT_EQ(result.exitCode, 1);  // one row failed
     EXPECT_NE(result.out.find("Can't find input parameters file from " + (dir / "absent.par").string()),
               std::string::npos)
@@ -104,36 +98,6 @@ TEST(BatchCommand, MissingRowIsReportedAndTheNextRuns) {
     EXPECT_TRUE(std::filesystem::exists(dir / "first_fi.eng"));
     EXPECT_TRUE(std::filesystem::exists(dir / "second_fi.eng"));
     EXPECT_FALSE(std::filesystem::exists(dir / "absent_fi.gen"));
-}
-
-// The property commands write the CSV tables other programs read: the header
-// rows stay as documented, every row has as many fields as the header.
-TEST(PropertyCommands, CsvTablesHaveTheDocumentedColumns) {
-    const auto dir = test::scratchDirectory("cli_properties");
-    const struct {
-        const char* command;
-        const char* options;
-        const char* header;
-    } cases[] = {{"gfactors", "", "first,second,energy,gx,gy,gz,alpha,beta,gamma,gz1,gz2"},
-                 {"moments", "--initial 1 --range 1 5", "i,j,mx2,my2,mz2,mx_re,mx_im,my_re,my_im,mz_re,mz_im"},
-                 {"chi", "--temperatures '1 300'", "T,chi_x,chi_y,chi_z,chi_avg"},
-                 {"intensities", "--initial 1 --omega 1 2 3 --host YAG",
-                  "initial,final,wavenumber,U2,U4,U6,S_ED,A_ED,MD2,S_MD,f_MD,A_MD,A_EQ"}};
-    for (const auto& c : cases) {
-        const auto csv = dir / "table.csv";
-        const auto result = test::runOrvane(std::string(c.command) + " examples/Pr3plus-LaF3.par " + c.options +
-                                            " --csv '" + csv.string() + "' --tables '" + tableDirectory().string() + "'");
-        ASSERT_EQ(result.exitCode, 0) << c.command << result.err;
-        std::istringstream lines(test::slurp(csv));
-        std::string header, row;
-        std::getline(lines, header);
-        EXPECT_EQ(header, c.header);
-        ASSERT_TRUE(std::getline(lines, row)) << c.command;
-        EXPECT_EQ(std::count(row.begin(), row.end(), ','), std::count(header.begin(), header.end(), ',')) << row;
-    }
-    const auto toStdout = test::runOrvane("chi examples/Pr3plus-LaF3.par --temperatures '1 10 9' --csv - --tables '" +
-                                          tableDirectory().string() + "'");
-    EXPECT_EQ(toStdout.out.rfind("T,chi_x,chi_y,chi_z,chi_avg\n1,", 0), 0u) << toStdout.out;
 }
 
 }  // namespace

@@ -1,0 +1,51 @@
+// The reports and CSV tables of the property commands on the Pr3+:LaF3
+// example, each against its golden file (the CSV headers are the columns other
+// programs read). After an intended change of a report, refresh with
+//   ORVANE_UPDATE_GOLDEN=1 ./build/tests/test_interactive --gtest_filter='PropertyReports*'
+// and review the difference with git diff.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "core/atomic_file.hpp"
+#include "tests/interactive/orvane_command_runner.hpp"
+
+namespace orvane {
+namespace {
+
+const std::filesystem::path kGoldenDir = std::filesystem::path(ORVANE_SOURCE_DIR) / "tests" / "interactive" / "golden";
+
+void expectGolden(const std::string& produced, const std::string& name) {
+    const auto golden = kGoldenDir / name;
+    if (std::getenv("ORVANE_UPDATE_GOLDEN")) writeFileAtomically(golden, produced);
+    ASSERT_TRUE(std::filesystem::exists(golden)) << golden << " is missing; see the top of this file";
+    EXPECT_EQ(produced, test::slurp(golden)) << name << " differs from its golden file";
+}
+
+TEST(PropertyReports, PraseodymiumExampleMatchesGoldenFiles) {
+    const auto dir = test::scratchDirectory("cli_property_reports");
+    const std::string tables = " --tables '" + test::commandTableDirectory().string() + "'";
+    // A first run generates missing tables, so that no report below logs it.
+    ASSERT_EQ(test::runOrvane("states examples/Pr3plus-LaF3.par --state 1" + tables).exitCode, 0);
+    const struct {
+        const char* command;
+        const char* options;
+    } cases[] = {{"states", "--state 1"},
+                 {"gfactors", ""},
+                 {"moments", "--initial 1 --range 1 5"},
+                 {"chi", "--temperatures '1 300 50'"},
+                 {"intensities", "--initial 1 --omega 1 2 3 --host YAG"}};
+    for (const auto& c : cases) {
+        const auto csv = dir / (std::string(c.command) + ".csv");
+        const auto result = test::runOrvane(std::string(c.command) + " examples/Pr3plus-LaF3.par " + c.options +
+                                            " --csv '" + csv.string() + "'" + tables);
+        ASSERT_EQ(result.exitCode, 0) << c.command << result.err;
+        expectGolden(result.out, std::string(c.command) + ".txt");
+        if (std::filesystem::exists(csv)) expectGolden(test::slurp(csv), std::string(c.command) + ".csv");
+    }
+    const auto toStdout = test::runOrvane("chi examples/Pr3plus-LaF3.par --temperatures '1 10 9' --csv -" + tables);
+    EXPECT_EQ(toStdout.out.rfind("T,chi_x,chi_y,chi_z,chi_avg\n1,", 0), 0u) << toStdout.out;
+}
+
+}  // namespace
+}  // namespace orvane
