@@ -364,20 +364,24 @@ std::optional<PlainPicture> plainPictureOf(std::string_view picture) {
 std::optional<long long> scaledUnits(double magnitude, int decimals, double limit) {
     const double scaled = magnitude * kPowersOfTen[decimals];
     if (!(scaled < limit)) return std::nullopt;
-    const double fraction = scaled - std::floor(scaled);
+    const auto whole = static_cast<long long>(scaled);  // floor: 0 <= scaled < 1e10
+    const double fraction = scaled - static_cast<double>(whole);
     if (std::fabs(fraction - 0.5) < 1e-5) return std::nullopt;
-    return static_cast<long long>(fraction > 0.5 ? std::ceil(scaled) : std::floor(scaled));
+    return whole + (fraction > 0.5 ? 1 : 0);
 }
 
+// "integer.fraction" of units of the last of `decimals` places, in one append.
 void appendDecimals(std::string& out, long long units, int decimals) {
-    char digits[24];
-    const long long divisor = static_cast<long long>(kPowersOfTen[decimals]);
-    const fmt::format_int integerPart(units / divisor);
-    out.append(integerPart.data(), integerPart.size());
-    out.push_back('.');
-    auto fraction = units % divisor;
-    for (int d = decimals - 1; d >= 0; --d, fraction /= 10) digits[d] = static_cast<char>('0' + fraction % 10);
-    out.append(digits, static_cast<std::size_t>(decimals));
+    char text[32];
+    char* end = text + sizeof text;
+    char* cursor = end;
+    for (int d = 0; d < decimals; ++d, units /= 10) *--cursor = static_cast<char>('0' + units % 10);
+    *--cursor = '.';
+    do {
+        *--cursor = static_cast<char>('0' + units % 10);
+        units /= 10;
+    } while (units > 0);
+    out.append(cursor, static_cast<std::size_t>(end - cursor));
 }
 
 }  // namespace

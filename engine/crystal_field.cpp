@@ -45,10 +45,35 @@ double normalisationOf(const CrystalFieldKey& key) {
     return key.op == CrystalFieldOperator::Standard ? ReducedCk2(6, 2 * key.k, 6) : 1.0;
 }
 
-// The transformed reduced elements in the free-ion level basis of one term table.
-Eigen::MatrixXd transformTable(const EngineTables& tables, const JBasis& basis, const Eigen::MatrixXd& vectors,
+// The free-ion eigenvectors of one J block (columns) and the levels they belong to.
+struct LevelsOfJBlock {
+    Eigen::MatrixXd vectors;   // block states x levels of the block
+    std::vector<Eigen::Index> levels;
+};
+
+// The transformed reduced elements in the free-ion level basis of one term
+// table: <a J||X||a' J'> = v_a^T <s J||X||s' J'> v_a'. The vectors live in one
+// J block each, so the product runs block pair by block pair.
+Eigen::MatrixXd transformTable(const EngineTables& tables, const JBasis& basis,
+                               const std::vector<LevelsOfJBlock>& byBlock, Eigen::Index levelCount,
                                const Eigen::MatrixXd& termTable, int k) {
-    return vectors.transpose() * tensorBetweenJStates(tables, basis, termTable, k) * vectors;
+    const Eigen::MatrixXd inJ = tensorBetweenJStates(tables, basis, termTable, k);
+    Eigen::MatrixXd result = Eigen::MatrixXd::Zero(levelCount, levelCount);
+    for (std::size_t a = 0; a < byBlock.size(); ++a)
+        for (std::size_t b = 0; b < byBlock.size(); ++b) {
+            const auto& rows = basis.blocks[a].states;
+            const auto& columns = basis.blocks[b].states;
+            Eigen::MatrixXd part(static_cast<Eigen::Index>(rows.size()), static_cast<Eigen::Index>(columns.size()));
+            for (std::size_t i = 0; i < rows.size(); ++i)
+                for (std::size_t j = 0; j < columns.size(); ++j)
+                    part(static_cast<Eigen::Index>(i), static_cast<Eigen::Index>(j)) = inJ(rows[i], columns[j]);
+            const Eigen::MatrixXd transformed = byBlock[a].vectors.transpose() * part * byBlock[b].vectors;
+            for (std::size_t i = 0; i < byBlock[a].levels.size(); ++i)
+                for (std::size_t j = 0; j < byBlock[b].levels.size(); ++j)
+                    result(byBlock[a].levels[i], byBlock[b].levels[j]) =
+                        transformed(static_cast<Eigen::Index>(i), static_cast<Eigen::Index>(j));
+        }
+    return result;
 }
 
 }  // namespace
@@ -66,27 +91,30 @@ Eigen::MatrixXd tensorBetweenJStates(const EngineTables& tables, const JBasis& b
 TransformedTensors transformTensors(const EngineTables& tables, const FreeIonOperators& operators,
                                     const FreeIonSolution& freeIon, const CorrelationTermTensors& correlation) {
     const auto& basis = operators.basis;
-    const auto stateCount = static_cast<Eigen::Index>(basis.states.size());
     const auto levelCount = static_cast<Eigen::Index>(freeIon.levels.size());
-    // Eigenvectors embedded into the full |SLJ> basis (column = level).
-    Eigen::MatrixXd vectors = Eigen::MatrixXd::Zero(stateCount, levelCount);
+    std::vector<LevelsOfJBlock> byBlock(basis.blocks.size());
+    for (std::size_t b = 0; b < basis.blocks.size(); ++b) {
+        const auto size = static_cast<Eigen::Index>(basis.blocks[b].states.size());
+        byBlock[b].vectors.resize(size, 0);
+    }
     TransformedTensors result;
     for (Eigen::Index level = 0; level < levelCount; ++level) {
         const auto& free = freeIon.levels[level];
-        const auto& block = basis.blocks[free.block];
-        for (std::size_t i = 0; i < block.states.size(); ++i)
-            vectors(block.states[i], level) = free.vector(static_cast<Eigen::Index>(i));
+        auto& block = byBlock[static_cast<std::size_t>(free.block)];
+        block.vectors.conservativeResize(Eigen::NoChange, block.vectors.cols() + 1);
+        block.vectors.col(block.vectors.cols() - 1) = free.vector;
+        block.levels.push_back(level);
         result.levelTwiceJ.push_back(free.twiceJ);
     }
     for (int kIndex = 0; kIndex < 3; ++kIndex)
         result.unitTensor[kIndex] =
-            transformTable(tables, basis, vectors, tables.unitTensor[kIndex], kEvenRanks[kIndex]);
+            transformTable(tables, basis, byBlock, levelCount, tables.unitTensor[kIndex], kEvenRanks[kIndex]);
     for (const auto& [op, termTensors] : correlation) {
         auto& transformed = result.correlation[op];
         for (int kIndex = 0; kIndex < 3; ++kIndex)
             if (termTensors[kIndex].size() > 0)
                 transformed[kIndex] =
-                    transformTable(tables, basis, vectors, termTensors[kIndex], kEvenRanks[kIndex]);
+                    transformTable(tables, basis, byBlock, levelCount, termTensors[kIndex], kEvenRanks[kIndex]);
     }
     return result;
 }
