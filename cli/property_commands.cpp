@@ -23,6 +23,7 @@
 #include "properties/magnetic_moment.hpp"
 #include "properties/measured_lines.hpp"
 #include "properties/measured_susceptibility.hpp"
+#include "interactive/property_dialogs.hpp"
 #include "properties/state_composition.hpp"
 #include "properties/susceptibility.hpp"
 
@@ -202,6 +203,7 @@ struct ChiOptions {
     std::string temperatures = "0.001 300";
     std::optional<double> curie;
     std::string measured;  // CSV with "Temperature" and "Average" columns
+    bool ignoreExtraRows = false;  // the answer OK to the too-many-rows question
 };
 
 std::vector<double> gridOf(const std::string& answer) {
@@ -225,7 +227,14 @@ void chiCommand(const ChiOptions& options) {
     auto& log = reportLog(options.run);
     const auto grid = gridOf(options.temperatures);
     std::vector<MeasuredSusceptibility> measured;
-    if (!options.measured.empty()) measured = readMeasuredSusceptibility(options.measured);
+    if (!options.measured.empty()) {
+        auto data = readMeasuredSusceptibility(options.measured);
+        if (data.rowsBeyondLimit > 0 && !options.ignoreExtraRows)
+            throw UserError("Magnetic susceptibility data file error",
+                            options.measured + ": " + tooManyRowsQuestion(kMeasuredSusceptibilityRowLimit) +
+                                " (--ignore-extra-rows answers OK)");
+        measured = std::move(data.points);
+    }
     const auto run = runForProperties(options.run, log);
     const auto moment = magneticMomentOperator(run.states, run.spinG);
     double curieTemperature = options.curie.value_or(0.0);
@@ -448,6 +457,8 @@ void addPropertyCommands(CLI::App& app) {
         c->add_option("--curie", options->curie, "temperature (K) of the Curie constant and effective moment (0: 0.001)");
         c->add_option("--measured", options->measured,
                       "CSV of measured susceptibility (columns \"Temperature\" and \"Average\") to compare with");
+        c->add_flag("--ignore-extra-rows", options->ignoreExtraRows,
+                    "read only the first rows of a measured file longer than the limit");
         registerCommand(c, options, chiCommand);
     }
     {

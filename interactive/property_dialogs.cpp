@@ -123,4 +123,13 @@ std::optional<double> askPopulationTemperature(Asker& asker) {
     return temperature;
 }
 
+std::string tooManyRowsQuestion(std::size_t rowLimit) {
+    return "There are too many data >" + std::to_string(rowLimit) + ". Still continue (by ignoring the remaining data)?";
+}
+
+bool askContinueWithoutExtraRows(Asker& asker, std::size_t rowLimit) {
+    return asker.askChoice("Magnetic susceptibility data file error", tooManyRowsQuestion(rowLimit), Buttons::OkCancel) ==
+           Choice::Ok;
+}
+
 }  // namespace orvane

@@ -4,6 +4,7 @@
 // user cancels; an answer that cannot be used is asked again (the message
 // says why). "," and ";" count as blanks. State numbers are 1-based.
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "interactive/asker.hpp"
@@ -35,5 +36,11 @@ std::optional<double> askCurieTemperature(Asker& asker);
 
 // The temperature of the populations of transition probabilities (K, > 0).
 std::optional<double> askPopulationTemperature(Asker& asker);
+
+// A measured susceptibility file with more rows than are read: OK goes on
+// with the rows read, Cancel stops.
+bool askContinueWithoutExtraRows(Asker& asker, std::size_t rowLimit);
+// The question's text: "There are too many data >" limit ". Still continue (by ignoring the remaining data)?".
+std::string tooManyRowsQuestion(std::size_t rowLimit);
 
 }  // namespace orvane

@@ -29,7 +29,8 @@ std::vector<std::string> csvFields(std::string_view line) {
 
 }  // namespace
 
-std::vector<MeasuredSusceptibility> parseMeasuredSusceptibility(const std::string& text, const std::string& fileName) {
+MeasuredSusceptibilityData parseMeasuredSusceptibility(const std::string& text, const std::string& fileName,
+                                                       std::size_t rowLimit) {
     std::istringstream in(text);
     std::string raw;
     int number = 0, temperatureColumn = -1, averageColumn = -1;
@@ -47,10 +48,14 @@ std::vector<MeasuredSusceptibility> parseMeasuredSusceptibility(const std::strin
     }
     if (temperatureColumn < 0)
         throw UserError(kTitle, fileName + ": Incorrect structure of Excel for the magnetic susceptibility");
-    std::vector<MeasuredSusceptibility> points;
+    MeasuredSusceptibilityData data;
     while (std::getline(in, raw)) {
         ++number;
         if (trim(raw).empty()) continue;
+        if (data.points.size() == rowLimit) {
+            ++data.rowsBeyondLimit;
+            continue;
+        }
         const auto fields = csvFields(raw);
         const auto column = [&](int c) {
             return c < static_cast<int>(fields.size()) ? parseNumber(fields[c]) : std::nullopt;
@@ -58,13 +63,13 @@ std::vector<MeasuredSusceptibility> parseMeasuredSusceptibility(const std::strin
         const auto t = column(temperatureColumn), chi = column(averageColumn);
         if (!t || !chi || *t <= 0.0)
             throw UserError(kTitle, "expected a positive temperature and a susceptibility", FileLocation{fileName, number});
-        points.push_back({*t, *chi});
+        data.points.push_back({*t, *chi});
     }
-    return points;
+    return data;
 }
 
-std::vector<MeasuredSusceptibility> readMeasuredSusceptibility(const std::filesystem::path& path) {
-    return parseMeasuredSusceptibility(readTextFile(path), path.string());
+MeasuredSusceptibilityData readMeasuredSusceptibility(const std::filesystem::path& path, std::size_t rowLimit) {
+    return parseMeasuredSusceptibility(readTextFile(path), path.string(), rowLimit);
 }
 
 }  // namespace orvane

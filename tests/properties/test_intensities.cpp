@@ -192,9 +192,14 @@ TEST(Intensities, MeasuredLinesRefuseMalformedInput) {
             EXPECT_EQ(error.describe().rfind("chi.csv:" + std::to_string(line) + ":", 0), 0u) << error.describe();
         }
     }
-    const auto chi = parseMeasuredSusceptibility("Temperature/K,X(x),X(Average)\n2,9,0.5\n300,9,0.01\n", "chi.csv");
-    ASSERT_EQ(chi.size(), 2u);
-    EXPECT_DOUBLE_EQ(chi[1].average, 0.01);
+    const std::string table = "Temperature/K,X(x),X(Average)\n2,9,0.5\n300,9,0.01\n400,9,0.005\n";
+    const auto chi = parseMeasuredSusceptibility(table, "chi.csv");
+    ASSERT_EQ(chi.points.size(), 3u);
+    EXPECT_DOUBLE_EQ(chi.points[1].average, 0.01);
+    EXPECT_EQ(chi.rowsBeyondLimit, 0u);
+    const auto limited = parseMeasuredSusceptibility(table, "chi.csv", 2);  // rows past the limit are counted, not read
+    EXPECT_EQ(limited.points.size(), 2u);
+    EXPECT_EQ(limited.rowsBeyondLimit, 1u);
 }
 
 }  // namespace
