@@ -9,7 +9,7 @@
 
 #include "cli/commands.hpp"
 #include "cli/exit_code.hpp"
-#include "interactive/asker.hpp"
+#include "interactive/command_line_asker.hpp"
 #include "core/atomic_file.hpp"
 #include "core/log_book.hpp"
 #include "core/number_format.hpp"
@@ -35,7 +35,7 @@ std::string today() { return formatDate(localNow()) + " " + formatTime(localNow(
 // Runs every row; returns the number of rows that did not complete.
 int runBatch(const BatchOptions& options) {
     StreamLogBook log(std::cout);
-    TerminalAsker asker(std::cin, std::cerr);
+    CommandLineAsker asker(std::cerr);
     MemorySettingsStore settings;
     InteractiveRunEnvironment environment{log, asker, settings,
                                options.tableDirectory.empty() ? defaultTableDirectory()
