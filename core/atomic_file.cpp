@@ -69,7 +69,14 @@ extern "C" void removeTemporariesAndDie(int signal) {
     std::raise(signal);
 }
 
-std::string reasonOf(int error) { return error == 0 ? "write error" : std::strerror(error); }
+// The system's reason for a failed write. A stream that failed while it was
+// written keeps no errno; a full disk is then recognised by its free space.
+std::string reasonOf(int error, const std::filesystem::path& path = {}) {
+    if (error != 0) return std::strerror(error);
+    std::error_code ignored;
+    const auto space = std::filesystem::space(path.parent_path().empty() ? "." : path.parent_path(), ignored);
+    return !ignored && space.available == 0 ? std::strerror(ENOSPC) : "write error";
+}
 
 // The process id in a temporary's name "<name>.tmp<pid>_<n>", if it is one.
 std::optional<long> pidOfTemporary(const std::string& name) {
@@ -120,7 +127,7 @@ void AtomicFileWriter::finish() {
     out_.close();
     if (written && out_.fail()) error = errno;  // the last block failed on close
     if (!written || out_.fail())
-        throw UserError("File error", "Cannot write the file " + path_.string() + ": " + reasonOf(error));
+        throw UserError("File error", "Cannot write the file " + path_.string() + ": " + reasonOf(error, path_));
 }
 
 void AtomicFileWriter::markCommitted() {

@@ -286,13 +286,14 @@ RunOutcome runEngine(int mode, std::filesystem::path parameterFile, RunRequest r
     general.appendLine("***** Work Completed on " + timeStamp() + " *****");
 
     // All result files or none: when one cannot be stored, no file is replaced.
+    // They are finished in the order written, so the first that failed is named.
     std::vector<AtomicFileWriter*> writers;
-    for (ResultFile* file : {&energyFile, &vectorFile, &generalFile})
+    for (ResultFile* file : {&generalFile, &vectorFile, &energyFile})
         if (file->wanted()) writers.push_back(file->writer());
     try {
         commitTogether(writers);
     } catch (const CommitError& error) {
-        const bool energies = energyFile.wanted() && error.failedIndex() == 0;
+        const bool energies = energyFile.wanted() && writers[error.failedIndex()] == energyFile.writer();
         throw UserError(energies ? ErrorCategory::StoringEnergies : ErrorCategory::File, error.what());
     }
 
