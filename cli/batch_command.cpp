@@ -9,7 +9,8 @@
 
 #include "cli/commands.hpp"
 #include "cli/exit_code.hpp"
-#include "interactive/asker.hpp"
+#include "interactive/batch_list.hpp"
+#include "interactive/command_line_asker.hpp"
 #include "core/atomic_file.hpp"
 #include "core/log_book.hpp"
 #include "core/number_format.hpp"
@@ -35,21 +36,17 @@ std::string today() { return formatDate(localNow()) + " " + formatTime(localNow(
 // Runs every row; returns the number of rows that did not complete.
 int runBatch(const BatchOptions& options) {
     StreamLogBook log(std::cout);
-    TerminalAsker asker(std::cin, std::cerr);
+    CommandLineAsker asker(std::cerr);
     MemorySettingsStore settings;
     InteractiveRunEnvironment environment{log, asker, settings,
                                options.tableDirectory.empty() ? defaultTableDirectory()
                                                               : std::filesystem::path(options.tableDirectory)};
     const std::filesystem::path listPath(options.list);
-    std::istringstream rows(readTextFile(listPath, 1u << 20));
+    const auto entries = parseBatchList(readTextFile(listPath, 1u << 20), listPath);
     const int mode = options.freeIon ? 2 : options.complex ? 1 : 0;
     int failures = 0;
-    std::string row;
-    while (std::getline(rows, row)) {
-        const std::string entry(trim(row));
-        if (entry.empty() || entry.front() == '#') continue;
-        std::filesystem::path file(entry);
-        if (file.is_relative()) file = listPath.parent_path() / file;
+    for (const BatchEntry& entry : entries) {
+        const std::filesystem::path& file = entry.file;
         if (!std::filesystem::is_regular_file(file)) {
             log.appendLine("Can't find input parameters file from " + file.string());
             ++failures;

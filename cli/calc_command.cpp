@@ -2,8 +2,10 @@
 // the command line the result is printed once (for the symbols and C(k), the
 // value alone on the last line, to full double precision); without numbers the
 // interactive calculator runs on the terminal, printing its log lines there.
+#include <cmath>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -48,9 +50,29 @@ void runInteractive(Interactive run) {
     setExitCode(kExitOk);
 }
 
-void usageError(const std::string& command, const std::string& message) {
+void usageError(const std::string& command, const std::string& message, int exitCode = kExitUsage) {
     std::cerr << "orvane calc " << command << ": " << message << '\n';
-    setExitCode(kExitUsage);
+    setExitCode(exitCode);
+}
+
+// Largest |j| the command line accepts: the factorial table holds 0! to 79!.
+constexpr double kMaxMomentum = 39.5;
+
+// On the command line every angular momentum and projection must be an
+// integer or a half-integer (within 0.001) inside the factorial table; the
+// library itself keeps returning 0 for an invalid argument. Returns false
+// after reporting the problem.
+bool acceptMomentum(const std::string& command, const std::string& field, double value) {
+    if (std::fabs(value) > kMaxMomentum) {
+        usageError(command, "'" + field + "' is beyond the factorial table (|j| at most 39.5: 0! to 79!)",
+                   kExitFailure);
+        return false;
+    }
+    if (std::fabs(2.0 * value - std::round(2.0 * value)) > 0.002) {
+        usageError(command, "'" + field + "' is not an integer or half-integer");
+        return false;
+    }
+    return true;
 }
 
 void runSymbol(const CalculatorCommand& command, const std::vector<std::string>& fields) {
@@ -62,6 +84,7 @@ void runSymbol(const CalculatorCommand& command, const std::vector<std::string>&
     for (const auto& field : fields) {
         const auto value = parseNumber(field);
         if (!value) return usageError(command.name, "'" + field + "' is not a number");
+        if (!acceptMomentum(command.name, field, *value)) return;
         values.push_back(*value);
     }
     try {
@@ -78,6 +101,16 @@ void runRotationMatrix(const std::vector<std::string>& fields) {
     if (fields.size() < 2 || fields.size() > 4)
         return usageError("dj", fmt::format("expected 2 to 4 values (J beta [order [heading]]), got {}",
                                             fields.size()));
+    // J as a number or as "n/2"; the interactive calculator's other
+    // denominators ("5/3" read as 5/2) are refused here.
+    const std::string& jField = fields[0];
+    const auto slash = jField.find('/');
+    std::optional<double> j = parseNumber(jField);
+    if (slash != std::string::npos && jField.substr(slash) == "/2")
+        if (const auto n = parseInteger(jField.substr(0, slash))) j = *n / 2.0;
+    if (!j) return usageError("dj", "J must be a number or n/2, found '" + jField + "'");
+    const double jValue = *j;
+    if (!acceptMomentum("dj", jField, jValue)) return;
     std::string line;
     for (const auto& field : fields) line += field + " ";
     const auto request = readRotationMatrixRequest(line);

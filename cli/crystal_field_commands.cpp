@@ -2,6 +2,7 @@
 // and `sm`. Each reads a parameter file (or a ligand file), maps its crystal-field
 // rows onto the params records, runs one library operation, prints the lines the
 // editor would log and, with -o, writes the resulting parameter file atomically.
+#include <cmath>
 #include <functional>
 #include <iostream>
 #include <memory>
@@ -14,6 +15,7 @@
 #include "cli/commands.hpp"
 #include "cli/exit_code.hpp"
 #include "interactive/asker.hpp"
+#include "interactive/command_line_asker.hpp"
 #include "core/log_book.hpp"
 #include "core/user_error.hpp"
 #include "engine/orthogonal_electrostatic.hpp"
@@ -98,7 +100,13 @@ void storeTable(ParameterSet& set, const CfTable& table) {
     keepFoldConsistent(set);
 }
 
+// Every result is checked before it is shown or written.
 void printRows(const CfTable& table, const std::string& heading) {
+    for (const params::CfRow& row : table.rows)
+        if (!std::isfinite(row.re.value) || !std::isfinite(row.im.value))
+            throw UserError(ErrorCategory::ParameterConversion,
+                            "The result for k = " + std::to_string(row.k) + ", q = " + std::to_string(row.q) +
+                                " is not a finite number");
     std::cout << heading << "\n";
     for (const params::CfRow& row : table.rows)
         std::cout << params::formatRowLine(row, table.complexMode) << "\n";
@@ -293,7 +301,7 @@ void addRotate(CLI::App& app) {
     auto o = std::make_shared<RotateOptions>();
     auto* rotate = app.add_subcommand("rotate", "Rotate the frame of the crystal-field parameters");
     rotate->add_option("FILE", o->file, "Parameter file (.par)")->required()->check(CLI::ExistingFile);
-    rotate->add_option("--euler", o->euler, "Euler angles alpha beta gamma in degrees")->expected(3);
+    rotate->add_option("--euler", o->euler, "Euler angles alpha beta gamma in degrees")->expected(3)->check(kFiniteNumber);
     rotate->add_flag("--c3toc4", o->c3toc4, "From a [111] to a [001] quantisation axis");
     rotate->add_flag("--c4toc3", o->c4toc3, "From a [001] to a [111] quantisation axis");
     rotate->add_option("--zero-im", o->zeroIm, "k q: rotate about z so that Im Bkq = 0")->expected(2);
@@ -357,6 +365,7 @@ struct SuperpositionOptions {
     std::vector<double> bk;
     std::vector<double> tk;
     bool stevensType = false;
+    bool ignoreZeroR0 = false;
 };
 
 params::LigandFile readLigandsWithR0(const SuperpositionOptions& o, params::SuperpositionParameters& p) {
@@ -372,8 +381,8 @@ void runSm(const SuperpositionOptions& o) {
     const params::LigandFile ligands = readLigandsWithR0(o, p);
     for (int i = 0; i < 3; ++i) p.bk[i] = o.bk[i];
     if (p.r0 == 0.0) {
-        // Abort/Retry/Ignore on the terminal; a closed input counts as Abort.
-        TerminalAsker asker(std::cin, std::cout);
+        // "Abort/Retry/Ignore" is answered by --ignore-zero-r0 or refused.
+        CommandLineAsker asker(std::cout, {}, o.ignoreZeroR0 ? std::vector{Choice::Ignore} : std::vector<Choice>{});
         const auto confirmed = params::confirmReferenceDistance(p, asker);
         if (!confirmed) throw UserError("Error in setting up ligand positions", "Reference ligand distance = 0!");
         p = *confirmed;
@@ -404,10 +413,11 @@ void addSm(CLI::App& app) {
     auto o = std::make_shared<SuperpositionOptions>();
     auto* sm = app.add_subcommand("sm", "Superposition model: Bkq from ligand positions");
     sm->add_option("LIGANDS", o->ligands, "Ligand file (R theta phi per line)");
-    sm->add_option("--r0", o->r0, "Reference distance R0 (default: the file's R0 line)");
-    sm->add_option("--bk", o->bk, "Intrinsic parameters b2 b4 b6")->expected(3);
-    sm->add_option("--tk", o->tk, "Exponents t2 t4 t6")->expected(3);
+    sm->add_option("--r0", o->r0, "Reference distance R0 (default: the file's R0 line)")->check(kFiniteNumber);
+    sm->add_option("--bk", o->bk, "Intrinsic parameters b2 b4 b6")->expected(3)->check(kFiniteNumber);
+    sm->add_option("--tk", o->tk, "Exponents t2 t4 t6")->expected(3)->check(kFiniteNumber);
     sm->add_flag("--stevens-type", o->stevensType, "Coordination factors without the Wybourne division");
+    sm->add_flag("--ignore-zero-r0", o->ignoreZeroR0, "Answer Ignore to \"Reference ligand distance = 0!\"");
     sm->add_option("--par", o->base, "Take the rest of the written parameter file from this one");
     sm->add_option("-o,--output", o->output, "Write the Bkq as a parameter file");
     sm->require_subcommand(0, 1);
@@ -416,8 +426,8 @@ void addSm(CLI::App& app) {
     auto* estimate = sm->add_subcommand("estimate", "Estimate b2 b4 b6 from the Bkq of a parameter file");
     estimate->add_option("LIGANDS", e->ligands, "Ligand file")->required()->check(CLI::ExistingFile);
     estimate->add_option("FILE", e->file, "Parameter file (.par)")->required()->check(CLI::ExistingFile);
-    estimate->add_option("--r0", e->r0, "Reference distance R0 (default: the ligand file's R0 line)");
-    estimate->add_option("--tk", e->tk, "Exponents t2 t4 t6")->expected(3)->required();
+    estimate->add_option("--r0", e->r0, "Reference distance R0 (default: the ligand file's R0 line)")->check(kFiniteNumber);
+    estimate->add_option("--tk", e->tk, "Exponents t2 t4 t6")->expected(3)->required()->check(kFiniteNumber);
     estimate->add_flag("--stevens-type", e->stevensType, "Coordination factors without the Wybourne division");
     estimate->callback([e] { guarded([&] { runSuperpositionEstimate(*e); }); });
 

@@ -6,7 +6,7 @@
 
 #include "cli/commands.hpp"
 #include "cli/exit_code.hpp"
-#include "interactive/asker.hpp"
+#include "interactive/command_line_asker.hpp"
 #include "interactive/interactive_eigen.hpp"
 #include "core/log_book.hpp"
 #include "core/user_error.hpp"
@@ -21,7 +21,7 @@ void addEigenCommand(CLI::App& app) {
         ->required();
     command->callback([file] {
         StreamLogBook log(std::cout);
-        TerminalAsker asker(std::cin, std::cout);
+        CommandLineAsker asker(std::cout);
         try {
             solveMatrixFile(*file, log, asker);
             setExitCode(kExitOk);

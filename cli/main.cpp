@@ -6,9 +6,11 @@
 
 #include "cli/commands.hpp"
 #include "cli/exit_code.hpp"
+#include "core/atomic_file.hpp"
 #include "core/version.hpp"
 
 int main(int argc, char** argv) {
+    orvane::removeTemporariesOnSignals();  // a killed run leaves no temporary behind
     CLI::App app{"Orvane: spectroscopy of open f-shell ions in crystals"};
     app.set_version_flag("--version", std::string("orvane ") + orvane::orvaneVersion(),
                          "Print the version and exit");

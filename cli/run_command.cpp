@@ -7,7 +7,7 @@
 
 #include "cli/commands.hpp"
 #include "cli/exit_code.hpp"
-#include "interactive/asker.hpp"
+#include "interactive/command_line_asker.hpp"
 #include "core/log_book.hpp"
 #include "core/settings_store.hpp"
 #include "core/user_error.hpp"
@@ -33,7 +33,7 @@ int modeOf(const RunOptions& options) { return options.freeIon ? 2 : options.com
 
 void runParameterFile(const RunOptions& options) {
     StreamLogBook log(std::cout);
-    TerminalAsker asker(std::cin, std::cerr);
+    CommandLineAsker asker(std::cerr);
     MemorySettingsStore settings;  // energies kept, no prompts, counter from 0
     InteractiveRunEnvironment environment{log, asker, settings,
                                options.tableDirectory.empty() ? defaultTableDirectory()
@@ -59,7 +59,8 @@ void addRunCommand(CLI::App& app) {
     command->add_flag("--complex", options->complex, "complex crystal field (Im Bkq kept)")->excludes(freeIon);
     command->add_option("--vectors", options->vectors, "number of lowest state vectors to store (0 = all)")
         ->check(CLI::NonNegativeNumber);
-    command->add_option("--shift", options->shift, "constant added to every calculated energy written");
+    command->add_option("--shift", options->shift, "constant added to every calculated energy written")
+        ->check(kFiniteNumber);
     command->add_option("--min-component", options->minComponent,
                         "smallest |coefficient| of a state vector processed (0 <= x < 1, default 0.002)");
     command->add_option("--option", options->optionText, "switches joined to the file's own, e.g. \"/actualshell /printhm\"");

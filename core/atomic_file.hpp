@@ -1,11 +1,19 @@
 #pragma once
 // Result files are never half-written: the text goes to a temporary file in
-// the destination's folder, which is renamed over the destination only when
-// everything was written. A failure leaves the destination as it was.
+// the destination's folder ("<name>.tmp<pid>_<n>"), which is renamed over the
+// destination only when everything was written. A set of files is replaced
+// all together or not at all (commitTogether). A failure, SIGINT or SIGTERM
+// removes the temporaries and leaves the destinations as they were
+// (docs/result-files.md).
+#include <cstddef>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "core/user_error.hpp"
 
 namespace orvane {
 
@@ -26,7 +34,14 @@ public:
     AtomicFileWriter& operator=(const AtomicFileWriter&) = delete;
 
     std::ostream& stream() { return out_; }
-    void commit();  // flushes, closes and renames; throws UserError on failure
+    void commit();  // finish() and rename; throws UserError on failure
+
+    // Flushes and closes the temporary; throws UserError naming the file and
+    // the system's reason ("No space left on device") when it is incomplete.
+    void finish();
+    const std::filesystem::path& path() const { return path_; }
+    const std::filesystem::path& temporary() const { return temporary_; }
+    void markCommitted();
 
 private:
     std::filesystem::path path_;
@@ -35,8 +50,42 @@ private:
     bool committed_ = false;
 };
 
+// The failure of commitTogether: which writer (index into the list) failed.
+class CommitError : public UserError {
+public:
+    CommitError(std::size_t failedIndex, const std::string& message)
+        : UserError(ErrorCategory::File, message), failedIndex_(failedIndex) {}
+    std::size_t failedIndex() const { return failedIndex_; }
+
+private:
+    std::size_t failedIndex_;
+};
+
+// Replaces every destination or none: all temporaries are finished first,
+// every destination is checked to be replaceable, then all are renamed; a
+// rename that still fails puts back the files already replaced. Throws
+// CommitError naming the file and the reason; the temporaries are removed
+// by the writers' destructors.
+void commitTogether(const std::vector<AtomicFileWriter*>& writers);
+
+// Removes the temporaries ("<name>.tmp<pid>_<n>") that processes no longer
+// running left in `folder` (a killed run); returns how many were removed.
+int removeStaleTemporaries(const std::filesystem::path& folder);
+
+// Installs SIGINT and SIGTERM handlers that remove the temporaries of the
+// writers alive at that moment and then end the process by the signal.
+void removeTemporariesOnSignals();
+// Adds (removes) a file of the caller's to those the handlers remove.
+void removeOnSignals(const std::filesystem::path& path);
+void keepOnSignals(const std::filesystem::path& path);
+
+// A layout no reader of this package reads, with the message for it: a
+// byte-order mark (UTF-8 or UTF-16) or lines ended by CR alone.
+std::optional<std::string> textLayoutProblem(std::string_view text);
+
 // The whole content of a text file; throws UserError naming the file when it
-// cannot be read or is larger than maxBytes.
+// is a folder, cannot be read, is larger than maxBytes or has a layout
+// refused by textLayoutProblem (line 1 named).
 std::string readTextFile(const std::filesystem::path& path,
                          std::uintmax_t maxBytes = 64u * 1024u * 1024u);
 

@@ -1,12 +1,16 @@
 #include "core/hermitian_eigen.hpp"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
 #include <charconv>
 #include <complex>
 #include <fstream>
 #include <iterator>
 #include <system_error>
 #include <vector>
+#include <unistd.h>
 
 #include <fmt/format.h>
 
@@ -117,13 +121,25 @@ int tridiagonalEigenpairs(TridiagonalReduction& reduction, Eigen::MatrixXcd& vec
     return 0;
 }
 
-// Removes the scratch file when the run leaves the scope, finished or not.
+// A scratch file of a unique name ("orvane-heigen-XXXXXX", mkstemp) in the
+// given folder, removed when the run leaves the scope, finished or not, and
+// by SIGINT/SIGTERM: two runs never share or leave one.
 class ScratchFileGuard {
 public:
-    explicit ScratchFileGuard(std::filesystem::path path) : path_(std::move(path)) {}
+    explicit ScratchFileGuard(const std::filesystem::path& folder) {
+        std::string name = (folder / "orvane-heigen-XXXXXX").string();
+        const int descriptor = ::mkstemp(name.data());
+        if (descriptor < 0)
+            throw UserError("File error", "Cannot create a scratch file in " + folder.string() + ": " +
+                                              std::strerror(errno));
+        ::close(descriptor);
+        path_ = name;
+        removeOnSignals(path_);
+    }
     ~ScratchFileGuard() {
         std::error_code ignored;
         std::filesystem::remove(path_, ignored);
+        keepOnSignals(path_);
     }
     ScratchFileGuard(const ScratchFileGuard&) = delete;
     ScratchFileGuard& operator=(const ScratchFileGuard&) = delete;
@@ -229,9 +245,11 @@ int failedEigenvalueFromInfo(int info, int n, bool divideAndConquer) {
     return std::clamp(first, 1, std::max(1, n));
 }
 
-std::filesystem::path scratchPath(const HermitianEigenOptions& options) {
-    const std::filesystem::path name{std::string(kHermitianEigenScratchName)};
-    return options.scratchDirectory.empty() ? name : options.scratchDirectory / name;
+std::filesystem::path scratchFolder(const HermitianEigenOptions& options) {
+    if (!options.scratchDirectory.empty()) return options.scratchDirectory;
+    std::error_code error;
+    const auto folder = std::filesystem::temp_directory_path(error);
+    return error ? std::filesystem::path(".") : folder;
 }
 
 void writePrintFile(std::string_view printFile, const HermitianEigenResult& result,
@@ -307,7 +325,7 @@ HermitianEigenResult HermitianEigen(Eigen::MatrixXd packed, int mode, std::strin
         Eigen::MatrixXcd upper = upperTriangleForLapack(packed);
         releaseMemory(packed);
         TridiagonalReduction reduction = reduceToTridiagonal(std::move(upper));
-        const ScratchFileGuard scratch(scratchPath(options));
+        const ScratchFileGuard scratch(scratchFolder(options));
         writeScratchFile(scratch.path(), reduction.reflectors);
         releaseMemory(reduction.reflectors);  // before the eigenvector array exists
         result.usedScratchFile = true;

@@ -21,11 +21,13 @@
 // LAPACK produces.
 //
 // Disk mode. When eigenvectors are wanted and n is above the disk threshold
-// (3500), the reflectors of the reduction are written to the scratch file
-// "~HEIGEN.TMP" in the current directory, the reduced matrix is released, and
+// (3500), the reflectors of the reduction are written to a scratch file of a
+// unique name ("orvane-heigen-XXXXXX", mkstemp) in the system's temporary
+// folder (TMPDIR, else /tmp), so that runs in one folder never share it; the
+// reduced matrix is released, and
 // only then is the eigenvector array allocated; the back-transformation reads
 // the file back in the order written and the file is removed (also when the
-// run fails), so the n x n matrix and the n x n eigenvector array never
+// run fails or is ended by SIGINT/SIGTERM), so the n x n matrix and the n x n eigenvector array never
 // coexist. The file's layout: one line per row i = 2..n of the strict lower
 // triangle of the reduced matrix (1-based), holding for j = 1..i-1 the real
 // and the imaginary part of the element (i, j) - the values A(i, j) and A(j, i)
@@ -58,7 +60,6 @@ inline constexpr int kHermitianEigenDiskThreshold = 3500;
 // The sweep limit named in the no-convergence messages. (LAPACK's tridiagonal
 // solvers allow 30 implicit QL/QR sweeps per eigenvalue, summed over the matrix.)
 inline constexpr int kHermitianEigenIterationLimit = 30;
-inline constexpr std::string_view kHermitianEigenScratchName = "~HEIGEN.TMP";
 
 enum class HermitianEigenStatus { Ok, NoConvergence, InvalidInput };
 
@@ -73,7 +74,7 @@ struct HermitianEigenResult {
 
 struct HermitianEigenOptions {
     int diskThreshold = kHermitianEigenDiskThreshold;
-    // Folder of the scratch file; empty means the current directory.
+    // Folder of the scratch file; empty means the system's temporary folder.
     std::filesystem::path scratchDirectory;
     // Called with the scratch file's path after it has been written and closed,
     // before the back-transformation reads it (lets a caller observe the file).

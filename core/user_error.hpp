@@ -60,16 +60,21 @@ struct FileLocation {
     int line = 0;
 };
 
+// The message as shown: control bytes echoed from a damaged file (NUL, ESC,
+// CR, ...) are written as "\xNN" so that they cannot garble a terminal or a
+// log; line breaks and tabs are kept.
+std::string printableMessage(const std::string& message);
+
 class UserError : public std::runtime_error {
 public:
     UserError(ErrorCategory category, const std::string& message,
               std::optional<FileLocation> where = std::nullopt)
-        : std::runtime_error(message), category_(category), title_(errorTitle(category)),
+        : std::runtime_error(printableMessage(message)), category_(category), title_(errorTitle(category)),
           where_(std::move(where)) {}
     // A title given as text: its category is looked up (Other when unknown).
     UserError(std::string title, const std::string& message,
               std::optional<FileLocation> where = std::nullopt)
-        : std::runtime_error(message), category_(errorCategoryOfTitle(title)), title_(std::move(title)),
+        : std::runtime_error(printableMessage(message)), category_(errorCategoryOfTitle(title)), title_(std::move(title)),
           where_(std::move(where)) {}
     UserError(const char* title, const std::string& message,
               std::optional<FileLocation> where = std::nullopt)

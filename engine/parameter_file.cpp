@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "core/atomic_file.hpp"
@@ -63,6 +64,11 @@ public:
         : lines_(std::move(lines)), file_(std::move(file)) {}
 
     bool atEnd() const { return next_ >= lines_.size(); }
+    // The line `ahead` lines after the next one, without taking it.
+    std::optional<std::string_view> peek(std::size_t ahead = 0) const {
+        if (next_ + ahead >= lines_.size()) return std::nullopt;
+        return lines_[next_ + ahead];
+    }
     std::size_t remaining() const { return lines_.size() - next_; }
     int currentLineNumber() const { return static_cast<int>(next_); }  // of the last line taken
 
@@ -75,7 +81,10 @@ public:
     }
 
     [[noreturn]] void fail(std::string_view title, const std::string& message) const {
-        throw UserError(std::string(title), message, FileLocation{file_, currentLineNumber()});
+        failAt(currentLineNumber(), title, message);
+    }
+    [[noreturn]] void failAt(int line, std::string_view title, const std::string& message) const {
+        throw UserError(std::string(title), message, FileLocation{file_, line});
     }
 
 private:
@@ -100,26 +109,63 @@ std::string leftOfFirstEquals(std::string_view line) {
     return at == std::string_view::npos ? std::string() : std::string(trim(line.substr(0, at)));
 }
 
-// A count line whose rows must follow: bounded by the lines left in the file.
+// A count line whose rows must follow: "label = N" with a label holding
+// `labelWords`, nothing but the integer right of "=", and N bounded by the
+// lines left in the file. A parameter row in place of the count line (the
+// line deleted, say) is refused instead of being read as a count.
 int readCount(LineReader& in, std::string_view line, std::string_view what,
-              std::string_view errorTitle, const std::string& errorMessage) {
-    const auto count = integerRightOfEquals(line);
-    if (!count) in.fail(errorTitle, errorMessage.empty() ? "The number of " + std::string(what) +
-                                                               " cannot be read: " + std::string(line)
-                                                         : errorMessage);
+              std::string_view labelWords, std::string_view errorTitle,
+              const std::string& errorMessage) {
+    const auto refuse = [&](const std::string& message) {
+        in.fail(errorTitle, errorMessage.empty() ? message : errorMessage);
+    };
+    const auto equals = line.find('=');
+    if (equals == std::string_view::npos || !icontains(line.substr(0, equals), labelWords))
+        refuse("Expected the count line of the " + std::string(what) + " (\"... " +
+               std::string(labelWords) + " ... = N\") but found: " + std::string(trim(line)));
+    const auto count = parseInteger(trim(line.substr(equals + 1)));
+    if (!count) refuse("The number of " + std::string(what) + " cannot be read: " + std::string(line));
     if (*count < 0)
-        in.fail(errorTitle, errorMessage.empty()
-                                ? "The number of " + std::string(what) + " is negative: " +
-                                      std::to_string(*count)
-                                : errorMessage);
+        refuse("The number of " + std::string(what) + " is negative: " + std::to_string(*count));
     if (static_cast<std::size_t>(*count) > in.remaining())
-        in.fail(errorTitle, errorMessage.empty()
-                                ? "The file announces " + std::to_string(*count) + " " +
-                                      std::string(what) + " but only " +
-                                      std::to_string(in.remaining()) + " lines follow"
-                                : errorMessage);
+        refuse("The file announces " + std::to_string(*count) + " " + std::string(what) +
+               " but only " + std::to_string(in.remaining()) + " lines follow");
     return *count;
 }
+
+// Refuses rows that look like further rows of a section after its announced
+// count: "The file announces 5 crystal field parameters but 9 rows follow".
+template <class LooksLikeRow>
+void refuseSurplusRows(LineReader& in, int announced, std::string_view what,
+                       std::string_view errorTitle, LooksLikeRow looksLikeRow) {
+    std::size_t surplus = 0;
+    while (const auto line = in.peek(surplus)) {
+        if (!looksLikeRow(*line)) break;
+        ++surplus;
+    }
+    if (surplus == 0) return;
+    in.failAt(in.currentLineNumber() + 1, errorTitle,
+              "The file announces " + std::to_string(announced) + " " + std::string(what) +
+                  " but " + std::to_string(announced + static_cast<int>(surplus)) + " rows follow");
+}
+
+// Remembers the line of each parameter of a section and refuses the second
+// occurrence of one, naming both lines.
+template <class Key>
+class DuplicateGuard {
+public:
+    void add(LineReader& in, const Key& key, const std::string& name, std::string_view errorTitle) {
+        const int line = in.currentLineNumber();
+        for (const auto& [seen, seenLine] : seen_)
+            if (seen == key)
+                in.fail(errorTitle, name + " is given twice: lines " + std::to_string(seenLine) +
+                                        " and " + std::to_string(line));
+        seen_.emplace_back(key, line);
+    }
+
+private:
+    std::vector<std::pair<Key, int>> seen_;
+};
 
 ParameterCell readMainCell(LineReader& in, std::string_view text, std::string_view row) {
     const auto value = readCellNumber(text);
@@ -229,23 +275,65 @@ void readFreeIon(LineReader& in, ParameterSet& set) {
     set.fold = *fold;
 
     const std::string_view countLine = in.take("the number of other free-ion parameters");
-    const int count = readCount(in, countLine, "other free-ion parameters", kReadTitle, "");
+    const int count =
+        readCount(in, countLine, "other free-ion parameters", "other free-ion", kReadTitle, "");
     set.otherFreeIon.clear();
-    for (int i = 0; i < count; ++i) set.otherFreeIon.push_back(readOtherRow(in, in.take("")));
+    DuplicateGuard<std::size_t> seen;
+    for (int i = 0; i < count; ++i) {
+        set.otherFreeIon.push_back(readOtherRow(in, in.take("")));
+        const std::string& name = set.otherFreeIon.back().name;
+        seen.add(in, *otherFreeIonIndex(name), name, kReadTitle);
+    }
+    refuseSurplusRows(in, count, "other free-ion parameters", kReadTitle, [](std::string_view line) {
+        const auto fields = splitFields(line);
+        return !fields.empty() && otherFreeIonIndex(fields.front()).has_value();
+    });
+}
+
+std::string crystalFieldName(std::string_view prefix, int k, int q) {
+    return std::string(prefix) + std::to_string(k) + std::to_string(q);
 }
 
 void readCrystalField(LineReader& in, ParameterSet& set) {
     const std::string_view label = in.take("the number of crystal field parameters");
     set.cfConvention = conventionOfLabel(label);
-    const int count = readCount(in, label, "crystal field parameters", kReadTitle, "");
+    const int count =
+        readCount(in, label, "crystal field parameters", "crystal field", kReadTitle, "");
     set.crystalField.clear();
+    DuplicateGuard<std::pair<int, int>> seen;
     for (int i = 0; i < count; ++i) {
         const std::string_view line = in.take("");
         const auto row = parseCrystalFieldFields(line);
         if (!row)
             in.fail(kCrystalFieldTitle,
                     "Incorrect content for crystal field parameters: " + std::string(trim(line)));
+        seen.add(in, {row->k, row->q}, crystalFieldName("B", row->k, row->q), kCrystalFieldTitle);
         set.crystalField.push_back(*row);
+    }
+    refuseSurplusRows(in, count, "crystal field parameters", kCrystalFieldTitle,
+                      [](std::string_view line) { return parseCrystalFieldFields(line).has_value(); });
+}
+
+// The option line holds switches ("/noss/ptgp= 7"), with free text between
+// them allowed; a line without any switch (a parameter row, say) is refused.
+void readOptionLine(LineReader& in, ParameterSet& set) {
+    set.hasOptionLine = !in.atEnd();
+    set.optionLine = set.hasOptionLine ? std::string(in.take("")) : std::string();
+    if (!trim(set.optionLine).empty() && set.optionLine.find('/') == std::string::npos)
+        in.fail(kReadTitle, "The option line holds no switches (\"/noss\", \"/Eunit=2\", ...): " +
+                                std::string(trim(set.optionLine)));
+    if (const auto problem = switchValueProblem(set.optionLine)) in.fail(kReadTitle, *problem);
+    set.switches = readRunSwitches(set.optionLine);
+}
+
+// Without correlation sections the option line is the last line: anything
+// but blank lines after it is refused.
+void refuseTextAfterOptionLine(LineReader& in) {
+    while (!in.atEnd()) {
+        const std::string_view line = in.take("");
+        if (!trim(line).empty())
+            in.fail(kReadTitle, "Nothing may follow the option line (no \"/ccf\" on it): " +
+                                    std::string(trim(line)));
     }
 }
 
@@ -269,16 +357,23 @@ void readCorrelationSections(LineReader& in, ParameterSet& set) {
             if (done.kind == *kind) in.fail(kReadTitle, ccfError);
         CorrelationSection section{*kind, {}};
         const std::string_view countLine = in.take("the count line of a correlation section");
-        const int count = readCount(in, countLine, "", kReadTitle, ccfError);
+        const int count = readCount(in, countLine, "", "parameters", kReadTitle, ccfError);
         const std::string_view prefix = trim(correlationRowPrefix(*kind));
-        for (int i = 0; i < count; ++i) {
-            const std::string_view line = trim(in.take(""));
+        const auto rowOf = [prefix](std::string_view text) -> std::optional<CrystalFieldRow> {
+            const std::string_view line = trim(text);
             if (line.size() < prefix.size() || !iequals(line.substr(0, prefix.size()), prefix))
-                in.fail(kReadTitle, ccfError);
-            const auto row = parseCrystalFieldFields(line.substr(prefix.size()));
+                return std::nullopt;
+            return parseCrystalFieldFields(line.substr(prefix.size()));
+        };
+        DuplicateGuard<std::pair<int, int>> seen;
+        for (int i = 0; i < count; ++i) {
+            const auto row = rowOf(in.take(""));
             if (!row) in.fail(kReadTitle, ccfError);
+            seen.add(in, {row->k, row->q}, crystalFieldName(prefix, row->k, row->q), kReadTitle);
             section.rows.push_back(*row);
         }
+        refuseSurplusRows(in, count, std::string(correlationName(*kind)) + " parameters", kReadTitle,
+                          [&rowOf](std::string_view line) { return rowOf(line).has_value(); });
         set.correlationCF.push_back(std::move(section));
     }
 }
@@ -379,11 +474,12 @@ ParameterSet parseWithOptionLine(std::string_view text, const std::string& fileN
     readHeaderAndTitle(in, set);
     readFreeIon(in, set);
     readCrystalField(in, set);
-    set.hasOptionLine = !in.atEnd();
-    set.optionLine = set.hasOptionLine ? std::string(in.take("")) : std::string();
+    readOptionLine(in, set);
     optionLineNumber = set.hasOptionLine ? in.currentLineNumber() : 0;
-    set.switches = readRunSwitches(set.optionLine);
-    if (set.switches.correlationSections) readCorrelationSections(in, set);
+    if (set.switches.correlationSections)
+        readCorrelationSections(in, set);
+    else
+        refuseTextAfterOptionLine(in);
     return set;
 }
 

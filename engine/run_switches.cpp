@@ -52,6 +52,17 @@ RunSwitches readRunSwitches(std::string_view line) {
     return s;
 }
 
+std::optional<std::string> switchValueProblem(std::string_view line) {
+    constexpr std::string_view key = "/spinmmin=";
+    if (line.find(key) == std::string_view::npos) return std::nullopt;
+    const auto n = valueAfter(line, key);
+    if (n && *n >= 1 && *n <= kMaxSpinMultiplicity) return std::nullopt;
+    const auto at = line.find(key) + key.size();
+    const std::string_view rest = trim(line.substr(at, line.find('/', at) - at));
+    return "The minimum spin multiplicity of \"/spinmmin=\" must be an integer from 1 to " +
+           std::to_string(kMaxSpinMultiplicity) + ", found \"" + std::string(rest) + "\"";
+}
+
 void refuseUnsupportedSwitches(const RunSwitches& s, const std::optional<FileLocation>& where) {
     if (s.opimkpk)
         throw UserError("Error in Main", "/opimkpk (alternative magnetic operator set) is not supported", where);

@@ -30,6 +30,13 @@ std::string runSwitchesText(const RunSwitches& switches);
 // has no defined operators in this package.
 void refuseUnsupportedSwitches(const RunSwitches& switches, const std::optional<FileLocation>& where);
 
+// The largest spin multiplicity 2S+1 of f^n (f^7, S = 7/2).
+inline constexpr int kMaxSpinMultiplicity = 8;
+
+// A message when a valued switch of the line holds a value no run can use
+// ("/spinmmin= 99999999999999": the multiplicity must be 1 to 8), else none.
+std::optional<std::string> switchValueProblem(std::string_view optionLine);
+
 // Unit label as used in messages: "cm^-1", "meV", "K", "mRy".
 std::string_view energyUnitName(EnergyUnit unit);
 

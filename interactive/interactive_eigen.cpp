@@ -179,6 +179,10 @@ void solveMatrixFile(const std::filesystem::path& path, LogBook& log, Asker& ask
     if (result.status != HermitianEigenStatus::Ok)
         throw UserError(kEigenSolverErrorTitle,
                         "The eigenvalues of " + path.string() + " could not be computed");
+    // Entries near the largest double overflow in the reduction: no Inf is reported.
+    if (!result.eigenvalues.allFinite() || !result.eigenvectors.allFinite())
+        throw UserError(kEigenSolverErrorTitle, "The eigenvalues of " + path.string() +
+                                                    " are not finite numbers (entries too large)");
     for (const std::string& line : eigenReportLines(result, file.complexEntries))
         log.appendLine(line);
 }

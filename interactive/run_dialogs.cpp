@@ -35,8 +35,14 @@ RunOutcome runEngineAsking(int mode, std::filesystem::path parameterFile, RunReq
     }
     if (environment.settings.readInt(kSettingsSection, kInteractivePromptKey, 0) != 0) askRunInputs(asker, request);
     RunEnvironment run{environment.log, environment.settings, environment.tableDirectory,
-                       [&asker](const UserError&) -> std::optional<std::filesystem::path> {
-                           const auto answer = asker.askLine({"GIVE FILE NAME FOR U(6) RME from ", "", ""});
+                       [&asker](const UserError& cause) -> std::optional<std::filesystem::path> {
+                           std::optional<std::string> answer;
+                           try {
+                               answer = asker.askLine({"GIVE FILE NAME FOR U(6) RME from ", "", ""});
+                           } catch (const UserError& unanswered) {
+                               // The asker cannot ask: the reason the tables are missing comes first.
+                               throw UserError(cause.title(), cause.describe() + "\n" + unanswered.what());
+                           }
                            if (!answer || trim(*answer).empty()) return std::nullopt;
                            std::filesystem::path given = std::string(trim(*answer));
                            return std::filesystem::is_directory(given) ? given : given.parent_path();

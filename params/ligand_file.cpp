@@ -75,7 +75,8 @@ LigandFile parseLigandText(const std::string& text, const std::string& fileName)
         if (hasKey(line, "R0")) {
             const auto fields = splitAnswerFields(rightOfFirstEquals(line));
             const double r0 = numbersOrFail(fields, 1, kLigandTitle, "R0", fileName, lineNo)[0];
-            if (r0 <= 0.0) fail(kLigandTitle, "the reference distance R0 must be positive", fileName, lineNo);
+            if (!ligandDistanceInRange(r0))
+                fail(kLigandTitle, "the reference distance R0 must lie between 0.001 and 1000", fileName, lineNo);
             out.r0 = r0;
             continue;
         }
@@ -102,8 +103,9 @@ LigandFile parseLigandText(const std::string& text, const std::string& fileName)
             ligand = *polar;
         } else {
             const auto v = numbersOrFail(fields, 3, kLigandTitle, "R theta phi", fileName, lineNo);
-            if (v[0] <= 0.0)
-                fail(kLigandTitle, "the distance R must be positive, found " + fields[0], fileName, lineNo);
+            if (!ligandDistanceInRange(v[0]))
+                fail(kLigandTitle, "the distance R must lie between 0.001 and 1000, found " + fields[0],
+                     fileName, lineNo);
             ligand = Ligand{v[0], v[1], v[2]};
         }
         if (out.ligands.size() >= static_cast<std::size_t>(kMaxLigands))

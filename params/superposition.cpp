@@ -68,15 +68,24 @@ double coordinationFactor(int k, int q, double thetaDeg, double phiDeg, bool ste
 void checkSuperpositionInput(const std::vector<Ligand>& ligands, const SuperpositionParameters& p) {
     if ((p.r0 == 0.0 && !p.zeroR0Ignored) || !std::isfinite(p.r0))
         throw UserError("Error in setting up ligand positions", "Reference ligand distance = 0!");
+    if (p.r0 != 0.0 && !ligandDistanceInRange(p.r0))
+        throw UserError(kSumTitle, "The reference distance R0 must lie between " +
+                                       std::to_string(kMinLigandDistance) + " and " +
+                                       std::to_string(kMaxLigandDistance));
+    for (int i = 0; i < 3; ++i)
+        if (!std::isfinite(p.bk[i]) || !std::isfinite(p.tk[i]) || std::fabs(p.tk[i]) > kMaxPowerLawExponent)
+            throw UserError(kSumTitle, "Invalid intrinsic parameter or exponent for k = " +
+                                           std::to_string(2 * i + 2) +
+                                           ": b_k must be finite and |t_k| at most 100");
     if (ligands.size() > static_cast<std::size_t>(kMaxLigands))
         throw UserError(kSumTitle, "Too many ligands: " + std::to_string(ligands.size()) +
                                        " (at most " + std::to_string(kMaxLigands) + ")");
     for (std::size_t i = 0; i < ligands.size(); ++i) {
         const Ligand& l = ligands[i];
-        if (!(l.r > 0.0) || !std::isfinite(l.r) || !std::isfinite(l.thetaDeg) ||
+        if (!ligandDistanceInRange(l.r) || !std::isfinite(l.thetaDeg) ||
             !std::isfinite(l.phiDeg))
             throw UserError(kSumTitle, "Invalid position of ligand " + std::to_string(i + 1) +
-                                           ": the distance must be positive and every value finite");
+                                           ": the distance must lie between 0.001 and 1000 and every value be finite");
     }
 }
 
@@ -109,7 +118,12 @@ BkqArray superpositionBkq(const std::vector<Ligand>& ligands, const Superpositio
     BkqArray b{};
     for (int i = 0; i < 3; ++i) {
         const int k = 2 * (i + 1);
-        for (int q = 0; q <= k; ++q) b[k][q] = p.bk[i] * d.byBk[k][q];
+        for (int q = 0; q <= k; ++q) {
+            b[k][q] = p.bk[i] * d.byBk[k][q];
+            if (!std::isfinite(b[k][q].real()) || !std::isfinite(b[k][q].imag()))
+                throw UserError(kSumTitle, "The superposition sum for B" + std::to_string(k) +
+                                               std::to_string(q) + " is not a finite number");
+        }
     }
     return b;
 }

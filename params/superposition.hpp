@@ -17,6 +17,14 @@
 namespace orvane::params {
 
 inline constexpr int kMaxLigands = 100;
+// Ligand and reference distances accepted (in the ligand file's length unit,
+// normally angstrom): beyond these (R0/R)^t overflows or underflows for any
+// usable power law exponent t.
+inline constexpr double kMinLigandDistance = 1.0e-3;
+inline constexpr double kMaxLigandDistance = 1.0e3;
+// Power-law exponents t_k accepted (Newman & Ng 1989 give values of 3 to 12).
+inline constexpr double kMaxPowerLawExponent = 100.0;
+inline bool ligandDistanceInRange(double r) { return r >= kMinLigandDistance && r <= kMaxLigandDistance; }
 
 struct Ligand {
     double r = 0.0;         // distance from the central ion

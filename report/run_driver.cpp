@@ -1,9 +1,11 @@
 #include "report/run_driver.hpp"
 
 #include <algorithm>
+#include <cmath>
 #include <memory>
 #include <optional>
 #include <ostream>
+#include <vector>
 
 #include <fmt/format.h>
 
@@ -75,9 +77,7 @@ public:
     }
     bool wanted() const { return writer_ != nullptr; }
     std::ostream& stream() { return writer_->stream(); }
-    void commit() {
-        if (writer_) writer_->commit();
-    }
+    AtomicFileWriter* writer() { return writer_.get(); }
 
 private:
     std::unique_ptr<AtomicFileWriter> writer_;
@@ -141,7 +141,12 @@ std::array<double, 3> appliedInvariants(const EnergyLevelResult& result) {
     return params::computeInvariants(table, params::CfNormalisation::Wybourne).s;
 }
 
-void requireAscending(const std::vector<ResultLevel>& levels) {
+// Every energy written (with the shift added) is finite and the levels ascend.
+void requireAscending(const std::vector<ResultLevel>& levels, double shift) {
+    for (std::size_t i = 0; i < levels.size(); ++i)
+        if (!std::isfinite(levels[i].energy + shift))
+            throw UserError(ErrorCategory::SortingEnergies,
+                            fmt::format("the energy of level {} is not a finite number", i + 1));
     for (std::size_t i = 1; i < levels.size(); ++i)
         if (!(levels[i].energy >= levels[i - 1].energy))
             throw UserError(ErrorCategory::SortingEnergies,
@@ -165,18 +170,26 @@ RunOutcome runEngine(int mode, std::filesystem::path parameterFile, RunRequest r
     auto& settings = environment.settings;
     if (parameterFile.empty()) throw UserError(kMainError, "no parameter file was chosen");
     const double minComponent = minComponentValue(request);
+    if (std::error_code error; std::filesystem::exists(environment.tableDirectory, error) &&
+                               !std::filesystem::is_directory(environment.tableDirectory, error))
+        throw UserError(kMainError, "The table folder " + environment.tableDirectory.string() +
+                                        " is a file, not a folder");
+    if (!std::isfinite(request.energyShift))
+        throw UserError(kMainError, "the shift in calculated energies is not a finite number");
     if (request.eigenvectorsToStore < 0)
         throw UserError(kMainError, "the number of eigenvectors to store cannot be negative");
 
     constexpr int kStages = 5;  // parameters, engine, tables, sections, files
     environment.log.progress(LogCategory::Run, "run", 0, kStages);
     auto set = readParameterFileForRun(parameterFile);
+    if (const auto problem = switchValueProblem(request.optionText)) throw UserError(kMainError, *problem);
     set.switches = readRunSwitches(set.optionLine + " " + request.optionText + " " + engineSwitchOf(outcome.kind));
     refuseUnsupportedSwitches(set.switches, std::nullopt);  // a switch given with the run's own options
     const bool keepEnergies = settings.readInt(kSettingsSection, kKeepEnergiesKey, 1) != 0;
     const int runCounter = settings.readInt(kSettingsSection, kRunCounterKey, 0);
     outcome.names = resultNamesFor(parameterFile, outcome.kind, keepEnergies, runCounter);
     outcome.parameterFile = parameterFile;
+    removeStaleTemporaries(parameterFile.parent_path());  // temporaries of killed runs
 
     ResultFile generalFile(outcome.names.general);
     NullLogBook nowhere;
@@ -223,7 +236,7 @@ RunOutcome runEngine(int mode, std::filesystem::path parameterFile, RunRequest r
     ResultBasis finalBasis = freeIonBasis;
     if (freeIon) {
         outcome.levels = freeIonLevels;
-        requireAscending(outcome.levels);
+        requireAscending(outcome.levels, shift);
         writeCumulativeEnergies(general, outcome.levels, shift);
         writeFreeIonLevelTable(general, outcome.levels, freeIonBasis, tables.terms, shift);
         writeStatevectors(general, "Free-ion Eigen energies and statevectors", outcome.levels, freeIonBasis,
@@ -237,7 +250,7 @@ RunOutcome runEngine(int mode, std::filesystem::path parameterFile, RunRequest r
         writeFreeIonJTable(general, freeIonLevels, freeIonBasis, tables.terms, shift);
         finalBasis = crystalFieldResultBasis(tables.terms, result.freeIonOperators.basis);
         outcome.levels = crystalFieldResultLevels(result, finalBasis, minComponent);
-        requireAscending(outcome.levels);
+        requireAscending(outcome.levels, shift);
         writeCumulativeEnergies(general, outcome.levels, shift);
         writeStatevectors(general, "Eigen energies and statevectors", outcome.levels, finalBasis,
                           request.eigenvectorsToStore, shift);
@@ -271,14 +284,17 @@ RunOutcome runEngine(int mode, std::filesystem::path parameterFile, RunRequest r
     }
     general.appendLine("***** Work Completed on " + timeStamp() + " *****");
 
-    // The energies first: when they cannot be stored, no other result file is replaced.
+    // All result files or none: when one cannot be stored, no file is replaced.
+    // They are finished in the order written, so the first that failed is named.
+    std::vector<AtomicFileWriter*> writers;
+    for (ResultFile* file : {&generalFile, &vectorFile, &energyFile})
+        if (file->wanted()) writers.push_back(file->writer());
     try {
-        energyFile.commit();
-    } catch (const UserError& error) {
-        throw UserError(ErrorCategory::StoringEnergies, error.what(), error.where());
+        commitTogether(writers);
+    } catch (const CommitError& error) {
+        const bool energies = energyFile.wanted() && writers[error.failedIndex()] == energyFile.writer();
+        throw UserError(energies ? ErrorCategory::StoringEnergies : ErrorCategory::File, error.what());
     }
-    vectorFile.commit();
-    generalFile.commit();
 
     environment.log.progress(LogCategory::Run, "run", kStages, kStages);
     settings.write(kSettingsSection, kRunCounterKey, std::to_string(runCounter + 1));

@@ -151,11 +151,16 @@ TEST(HermitianEigen, DiskModeAtALoweredThresholdEqualsMemory) {
         const auto folder = test::scratchDirectory("heigen_disk");
         HermitianEigenOptions options;
         options.diskThreshold = n - 1;
+        std::vector<std::filesystem::path> scratch;  // a unique file per run, removed afterwards
+        options.afterScratchWritten = [&scratch](const std::filesystem::path& p) { scratch.push_back(p); };
+        EXPECT_TRUE(solve(h, kEigenVectors, options).usedScratchFile);  // no folder: the system's
         options.scratchDirectory = folder;
         const HermitianEigenResult disk = solve(h, kEigenVectors, options);
         ASSERT_EQ(disk.status, HermitianEigenStatus::Ok);
-        EXPECT_TRUE(disk.usedScratchFile);
-        EXPECT_FALSE(std::filesystem::exists(folder / "~HEIGEN.TMP")) << "not removed";
+        ASSERT_EQ(scratch.size(), 2u);
+        EXPECT_EQ(scratch[0].parent_path(), std::filesystem::temp_directory_path());
+        EXPECT_EQ(scratch[1].parent_path(), folder);
+        EXPECT_FALSE(std::filesystem::exists(scratch[0]) || std::filesystem::exists(scratch[1])) << "not removed";
         const HermitianEigenResult memory = solve(h, kEigenVectors);
         EXPECT_FALSE(memory.usedScratchFile);
         EXPECT_LT(largestDifference(disk.eigenvalues, memory.eigenvalues), 1e-11);

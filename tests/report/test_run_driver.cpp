@@ -159,20 +159,6 @@ TEST(RunDriver, FailedRunLeavesEveryResultFileAsItWas) {
     EXPECT_EQ(filesIn(dir), (std::vector<std::string>{"Pr.gen", "Pr.par"}));
 }
 
-TEST(RunDriver, EnergiesThatCannotBeStoredReplaceNoResultFile) {
-    const auto dir = test::scratchDirectory("run_store_failure");
-    const auto file = test::writeSet(dir, "Pr.par", test::praseodymiumLaF3(false));
-    std::filesystem::create_directories(dir / "Pr_fi.eng" / "occupied");  // a folder where the file should go
-    TestRun run;
-    try {
-        runEngine(5, file, {}, run.environment);
-        FAIL() << "storing the energies should fail";
-    } catch (const UserError& error) {
-        EXPECT_EQ(error.category(), ErrorCategory::StoringEnergies);
-    }
-    EXPECT_EQ(filesIn(dir), (std::vector<std::string>{"Pr.par", "Pr_fi.eng"}));
-}
-
 TEST(RunDriver, BadInputsAreErrorsInMain) {
     const auto dir = test::scratchDirectory("run_bad_input");
     std::ofstream(dir / "bad.par") << "\"Input parameters for Orvane - Spectroscopic Analysis Package (version #2)\"\n"
