@@ -211,7 +211,8 @@ std::vector<double> gridOf(const std::string& answer) {
     std::vector<double> values;
     for (const auto& field : fields) {
         const auto value = parseNumber(field);
-        if (!value) throw UserError("Error in Main", "--temperatures: \"" + field + "\" is not a number");
+        if (!value || !std::isfinite(*value))
+            throw UserError("Error in Main", "--temperatures: \"" + field + "\" is not a finite number");
         values.push_back(*value);
     }
     if (values.size() < 2 || values.size() > 3)
@@ -430,7 +431,7 @@ void addPropertyCommands(CLI::App& app) {
         addPropertyRunOptions(*c, options->run);
         c->add_option("--state", options->state, "one state number (1-based, ascending energy)")->check(CLI::PositiveNumber);
         c->add_option("--min-component", options->minComponent, "smallest |coefficient| listed (default 0.002)")
-            ->check(CLI::Range(0.0, 1.0));
+            ->check(CLI::Range(0.0, 1.0))->check(kFiniteNumber);
         registerCommand(c, options, statesCommand);
     }
     {
@@ -454,7 +455,7 @@ void addPropertyCommands(CLI::App& app) {
         addPropertyRunOptions(*c, options->run);
         c->add_option("--temperatures", options->temperatures,
                       "\"LOW HIGH [STEP]\" in K (default \"0.001 300\"; 0 is taken as 0.01; no STEP: logarithmic grid)");
-        c->add_option("--curie", options->curie, "temperature (K) of the Curie constant and effective moment (0: 0.001)");
+        c->add_option("--curie", options->curie, "temperature (K) of the Curie constant and effective moment (0: 0.001)")->check(kFiniteNumber);
         c->add_option("--measured", options->measured,
                       "CSV of measured susceptibility (columns \"Temperature\" and \"Average\") to compare with");
         c->add_flag("--ignore-extra-rows", options->ignoreExtraRows,
@@ -467,15 +468,15 @@ void addPropertyCommands(CLI::App& app) {
         addPropertyRunOptions(*c, options->range.run);
         c->add_option("--initial", options->range.initial, "initial state (1-based)")->required();
         c->add_option("--range", options->range.range, "first and last final state (default: all)")->expected(2);
-        c->add_option("--omega", options->omega, "Omega2 Omega4 Omega6 in 1E-20 cm^2")->expected(3);
+        c->add_option("--omega", options->omega, "Omega2 Omega4 Omega6 in 1E-20 cm^2")->expected(3)->check(kFiniteNumber);
         auto* host = c->add_option("--host", options->host, "Sellmeier set of a host (YAG, silica)");
         c->add_option("--sellmeier", options->sellmeier, "Sellmeier pairs B1 C1 B2 C2 ... (lambda in um, C in um^2)")
-            ->excludes(host);
-        c->add_option("--index", options->index, "constant refractive index (default 1)")->check(CLI::PositiveNumber);
+            ->excludes(host)->check(kFiniteNumber);
+        c->add_option("--index", options->index, "constant refractive index (default 1)")->check(CLI::PositiveNumber)->check(kFiniteNumber);
         c->add_option("--temperature", options->temperature, "K: population of the initial level (k = 0.69502 cm^-1/K)")
-            ->check(CLI::PositiveNumber);
+            ->check(CLI::PositiveNumber)->check(kFiniteNumber);
         c->add_option("--r2", options->radiusSquared, "<r^2> of the 4f shell in a0^2 for A(EQ) (default 1)")
-            ->check(CLI::PositiveNumber);
+            ->check(CLI::PositiveNumber)->check(kFiniteNumber);
         registerCommand(c, options, intensitiesCommand);
     }
     {

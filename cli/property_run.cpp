@@ -26,7 +26,7 @@ void addPropertyRunOptions(CLI::App& command, PropertyRunOptions& options) {
     command.add_option("FILE", options.file, "parameter file (.par)")->required();
     auto* freeIon = command.add_flag("--free-ion", options.freeIon, "work on the free-ion J-multiplets");
     command.add_flag("--complex", options.complex, "complex crystal field (Im Bkq kept)")->excludes(freeIon);
-    command.add_option("--gs", options.spinG, "spin g factor g_s (default 2.0023193043622)")->check(CLI::PositiveNumber);
+    command.add_option("--gs", options.spinG, "spin g factor g_s (default 2.0023193043622)")->check(CLI::PositiveNumber)->check(kFiniteNumber);
     command.add_option("--tables", options.tableDirectory, "table directory (default: the delivered one)");
     command.add_option("--vectors", options.vectors,
                        "state-vector file (.ev) of an earlier run of FILE: its stored states instead of a new solve");

@@ -69,7 +69,10 @@ TEST(StrictCommandInputs, NonFiniteNumbersAreRefused) {
                    {"rotate {dir}/Pr.par --euler nan 0 0", 2, "not a finite number"},
                    {"sm examples/cube-eight-ligands.lig --bk 400 300 50 --tk nan 6 7", 2, "not a finite number"},
                    {"sm {dir}/near.lig --bk 400 300 50 --tk 5 6 7", 1, "must lie between 0.001 and 1000"},
-                   {"eigen {dir}/huge.txt", 1, "not finite numbers"}});
+                   {"eigen {dir}/huge.txt", 1, "not finite numbers"},
+                   {"chi {dir}/Pr.par --curie nan", 2, "not a finite number"},
+                   {"intensities {dir}/Pr.par --initial 1 --omega 1 inf 2", 2, "not a finite number"},
+                   {"chi {dir}/Pr.par --temperatures '1 1e400'", 1, "is not a finite number"}});
 }
 
 TEST(StrictCommandInputs, CouplingArgumentsAreRefused) {
