@@ -3,6 +3,7 @@
 #include "core/atomic_file.hpp"
 #include "core/user_error.hpp"
 #include "engine/pair_record_table.hpp"
+#include "tables/table_seal.hpp"
 #include "tables/reduced_tables.hpp"
 #include "tables/state_labels.hpp"
 #include "tables/table_directory.hpp"
@@ -43,15 +44,9 @@ Eigen::MatrixXd readFullTable(const std::filesystem::path& directory, int n, Tab
     return completeFromStoredHalf(stored, spinOrbit);
 }
 
-// A table is usable when it exists and carries no generator marker (written
-// elsewhere) or the marker of the current generator version.
+// A table is usable when it exists and its seal holds (tables/table_seal.hpp).
 bool tableIsUsable(const std::filesystem::path& directory, const std::string& name) {
-    const auto found = findCaseBlind(directory, name);
-    if (!found) return false;
-    const std::string text = readTextFile(*found);
-    const std::string title = text.substr(0, text.find('\n'));
-    return title.find("Orvane tables generator") == std::string::npos ||
-           title.find(kTableGeneratorVersion) != std::string::npos;
+    return !tableFileProblem(directory, name);
 }
 
 bool manyBodyTablesUsable(int n, const std::filesystem::path& directory) {

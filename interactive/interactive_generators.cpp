@@ -11,6 +11,7 @@
 #include "core/text.hpp"
 #include "core/user_error.hpp"
 #include "interactive/table_file_prompts.hpp"
+#include "tables/table_seal.hpp"
 #include "tables/fractional_parentage.hpp"
 #include "tables/lccf_table.hpp"
 #include "tables/reduced_tables.hpp"
@@ -217,7 +218,7 @@ void runReducedMatrixGenerator(Asker& asker, LogBook& log, const std::filesystem
         if (!file) return;
         log.appendLine(" (only for the lower triangle of the matrix).");
         const auto path = inDirectory(directory, std::string(trim(*file)));
-        writeFileAtomically(path, reducedTableFileText(reducedTableTitle(operatorName(kind, k), n), table));
+        writeGeneratedTable(path, reducedTableFileText(reducedTableTitle(operatorName(kind, k), n), table));
         log.appendLine("Stored in " + path.string());
         const auto choice = askChoice(asker, "Choose 1) another configuration, 2) another rank, 3)stop >");
         if (!choice || *choice == 3) return;

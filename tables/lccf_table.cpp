@@ -1,3 +1,4 @@
+#include "tables/table_seal.hpp"
 #include "tables/lccf_table.hpp"
 
 #include <algorithm>
@@ -63,7 +64,7 @@ std::filesystem::path BuildLccfTable(int n, int K, const std::filesystem::path& 
     log.appendLine(fmt::format("Build UK(LCCF) RME of rank {}", K));
     const Eigen::MatrixXd table = lccfMatrixFromParentage(n, K, stored.terms, stored.parents, stored.cfp);
     const auto path = directory / configurationFileName(n, tableFileName(TableOperator::Lccf, K));
-    writeFileAtomically(path, reducedTableFileText(reducedTableTitle(operatorName(TableOperator::Lccf, K), n), table));
+    writeGeneratedTable(path, reducedTableFileText(reducedTableTitle(operatorName(TableOperator::Lccf, K), n), table));
     log.appendLine(" (only for the lower triangle of the matrix).");
     return path;
 }

@@ -1,3 +1,4 @@
+#include "tables/table_seal.hpp"
 #include "tables/magnetic_tables.hpp"
 
 #include <cmath>
@@ -100,7 +101,7 @@ std::vector<std::filesystem::path> writeMagneticTables(int n, const std::vector<
     const std::string shell = std::to_string(n);
     auto write = [&](const std::string& name, const std::string& text) {
         const auto path = directory / configurationFileName(n, name);
-        writeFileAtomically(path, text);
+        writeGeneratedTable(path, text);
         written.push_back(path);
     };
     const auto names = magneticOperatorNames();

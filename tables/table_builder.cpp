@@ -1,3 +1,4 @@
+#include "tables/table_seal.hpp"
 #include "tables/table_builder.hpp"
 
 #include <fmt/format.h>
@@ -86,21 +87,23 @@ std::vector<std::string> configurationTableNames(int n) {
 
 namespace {
 
-// A table is usable when it exists and was not written by another version of
-// this generator (tables from elsewhere, without the marker, are accepted).
+// A table is usable when it exists and its seal holds (tables_seal.hpp;
+// tables from elsewhere, without the generator's bracket, are accepted).
 bool tableIsCurrent(const std::filesystem::path& directory, const std::string& name) {
-    const auto path = findCaseBlind(directory, name);
-    if (!path) return false;
-    const std::string text = readTextFile(*path);
-    const std::string title = text.substr(0, text.find('\n'));
-    if (title.find("Orvane tables generator") == std::string::npos) return true;
-    return title.find(kTableGeneratorVersion) != std::string::npos;
+    return !tableFileProblem(directory, name);
 }
 
-bool allTablesCurrent(int n, const std::filesystem::path& directory) {
+// The tables of f^n that cannot be used, each with what is wrong; a missing
+// table is logged only when `logMissing`.
+bool allTablesCurrent(int n, const std::filesystem::path& directory, LogBook* log = nullptr) {
+    bool current = true;
     for (const auto& name : configurationTableNames(n))
-        if (!tableIsCurrent(directory, name)) return false;
-    return true;
+        if (const auto problem = tableFileProblem(directory, name)) {
+            current = false;
+            if (log && *problem != "is missing")
+                log->appendLine("The table " + (directory / name).string() + " " + *problem + "; it is generated again");
+        }
+    return current;
 }
 
 }  // namespace
@@ -116,7 +119,7 @@ std::vector<std::filesystem::path> writeConfigurationTables(const ConfigurationT
         // Replace whatever spelling of the name is already there.
         const auto existing = findCaseBlind(directory, name);
         const auto path = existing ? *existing : directory / name;
-        writeFileAtomically(path, text);
+        writeGeneratedTable(path, text);
         log.appendLine("Written " + path.string());
         written.push_back(path);
     };
@@ -145,9 +148,9 @@ std::vector<std::filesystem::path> writeDeliveredTables(
     for (int n = 1; n <= 7; ++n) {
         const auto& c = generated.at(static_cast<std::size_t>(n));
         const auto labels = directory / configurationFileName(n, "state.lab");
-        writeFileAtomically(labels, stateLabelFileText(stateLabelTitle(n), termLinesOf(c)));
+        writeGeneratedTable(labels, stateLabelFileText(stateLabelTitle(n), termLinesOf(c)));
         const auto cfp = directory / configurationFileName(n, "cfp.val");
-        writeFileAtomically(cfp, fractionalParentageFileText(parentageTitle(n), c.cfp));
+        writeGeneratedTable(cfp, fractionalParentageFileText(parentageTitle(n), c.cfp));
         log.appendLine("Written " + labels.string());
         log.appendLine("Written " + cfp.string());
         log.progress(LogCategory::Tables, "delivered tables", n, 7);
@@ -161,16 +164,21 @@ std::filesystem::path ensureConfigurationTables(int n, const std::filesystem::pa
                                                 LogBook& log) {
     if (n < 1 || n > 14)
         throw UserError("Error in building tables", fmt::format("no configuration f{} (1 to 14)", n));
-    if (allTablesCurrent(n, directory)) return directory;
+    if (allTablesCurrent(n, directory, &log)) return directory;
     const auto cache = userCacheTableDirectory();
     std::filesystem::path target = directory;
     if (!directoryIsWritable(directory)) {
-        if (allTablesCurrent(n, cache)) return cache;
+        if (allTablesCurrent(n, cache, &log)) return cache;
         target = cache;
-        if (!directoryIsWritable(target))
+        if (!directoryIsWritable(target)) {
+            std::string problems;
+            for (const auto& name : configurationTableNames(n))
+                if (const auto problem = tableFileProblem(directory, name))
+                    problems += "; " + (directory / name).string() + " " + *problem;
             throw UserError("Error in building tables",
                             "neither the table directory " + directory.string() + " nor the cache " +
-                                cache.string() + " can be written");
+                                cache.string() + " can be written" + problems);
+        }
     }
     log.appendLine(fmt::format("Generating the tables of f{} in {}", n, target.string()));
     const auto generated = generateConfigurations(7);
@@ -222,7 +230,7 @@ std::filesystem::path BuildUnitTensorTable(int n, bool doubleTensor, int k, cons
     const Eigen::MatrixXd table = doubleTensor ? doubleTensorMatrix(n, k, stored.terms, stored.parents, stored.cfp)
                                                : unitTensorMatrix(n, k, stored.terms, stored.parents, stored.cfp);
     const auto path = directory / configurationFileName(n, tableFileName(kind, k));
-    writeFileAtomically(path, reducedTableFileText(reducedTableTitle(operatorName(kind, k), n), table));
+    writeGeneratedTable(path, reducedTableFileText(reducedTableTitle(operatorName(kind, k), n), table));
     log.appendLine(" (only for the lower triangle of the matrix).");
     return path;
 }
@@ -238,7 +246,7 @@ std::filesystem::path BuildCoulombTable(int n, int k, const std::filesystem::pat
     log.appendLine(fmt::format("Construct the Coulomb reduced matrix f({})", k));
     const Eigen::MatrixXd table = coulombOf(k);
     const auto path = directory / configurationFileName(n, tableFileName(TableOperator::F, k));
-    writeFileAtomically(path, reducedTableFileText(reducedTableTitle(operatorName(TableOperator::F, k), n), table));
+    writeGeneratedTable(path, reducedTableFileText(reducedTableTitle(operatorName(TableOperator::F, k), n), table));
     log.appendLine(" (only for the lower triangle of the matrix).");
     bool allRanks = true;
     for (int rank : kUnitRanks)

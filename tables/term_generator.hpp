@@ -22,7 +22,7 @@
 
 namespace orvane {
 
-inline constexpr const char* kTableGeneratorVersion = "Orvane tables generator 1";
+inline constexpr const char* kTableGeneratorVersion = "Orvane tables generator 2";
 
 struct GeneratedTerm {
     int twiceS = 0;

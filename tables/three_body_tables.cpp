@@ -1,3 +1,4 @@
+#include "tables/table_seal.hpp"
 #include "tables/three_body_tables.hpp"
 
 #include <cmath>
@@ -66,11 +67,11 @@ std::vector<std::filesystem::path> writeThreeBodyTables(int n, const ThreeBodyOp
     const std::string shell = std::to_string(n);
     const auto meti = directory / configurationFileName(n, "meti.val");
     log.appendLine("Starting building reduced matrix elements of the 3-particle operators (ordinary) for f" + shell);
-    writeFileAtomically(meti, threeBodyFileText(n, ordinaryThreeBodyOperators(n, orthogonal, e3), false));
+    writeGeneratedTable(meti, threeBodyFileText(n, ordinaryThreeBodyOperators(n, orthogonal, e3), false));
     log.appendLine("Finished building reduced matrix elements of the 3-particle operators  ti (ordinary)  for f" + shell);
     const auto tic = directory / configurationFileName(n, "rmtic.val");
     log.appendLine("Starting building reduced matrix elements of the3-particle operators (tic) for f" + shell);
-    writeFileAtomically(tic, threeBodyFileText(n, orthogonal, true));
+    writeGeneratedTable(tic, threeBodyFileText(n, orthogonal, true));
     log.appendLine("Finished building reduced matrix elements of the 3-particle operators (tic)  for f" + shell);
     return {meti, tic};
 }
