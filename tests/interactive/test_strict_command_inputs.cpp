@@ -22,9 +22,11 @@ struct RefusedInput {
     const char* message;  // part of the output (standard error, or standard output on success)
 };
 
-// The scratch folder with a copy of the Pr example, variants of it and small inputs.
+// The scratch folder of the running test (ctest runs the tests of this file
+// in parallel) with a copy of the Pr example, variants of it and small inputs.
 std::string preparedFolder() {
-    const auto dir = test::scratchDirectory("strict_inputs");
+    const auto dir = test::scratchDirectory(std::string("strict_inputs_") +
+                                            ::testing::UnitTest::GetInstance()->current_test_info()->name());
     const std::string par = readTextFile(test::sourceDirectory() / "examples" / "Pr3plus-LaF3.par");
     const auto variant = [&](const char* name, const char* from, const char* to) {
         writeFileAtomically(dir / name, std::regex_replace(par, std::regex(from), to)); };
