@@ -37,7 +37,9 @@ TEST(ResultFilesTogether, OneUnwritableFileReplacesNone) {
         try { runEngine(0, file, {}, run.environment); } catch (const UserError& error) { message = error.what(); }
         EXPECT_NE(message.find((dir / blocked).string() + ": Is a directory"), std::string::npos) << message;
         for (const std::string& name : results) {
-            if (name != blocked) EXPECT_EQ(readTextFile(dir / name), "old " + name) << blocked;
+            if (name != blocked) {
+                EXPECT_EQ(readTextFile(dir / name), "old " + name) << blocked;
+            }
         }
         EXPECT_EQ(namesIn(dir), (std::set<std::string>{"Pr.eng", "Pr.ev", "Pr.gen", "Pr.par"})) << blocked;
     }
