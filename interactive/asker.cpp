@@ -23,8 +23,6 @@ void TerminalAsker::showMessage(std::string_view title, std::string_view text) {
     out_ << title << ": " << text << '\n' << std::flush;
 }
 
-namespace {
-
 std::string_view buttonHint(Buttons buttons) {
     switch (buttons) {
         case Buttons::Ok: return "[OK]";
@@ -35,6 +33,8 @@ std::string_view buttonHint(Buttons buttons) {
     }
     return "";
 }
+
+namespace {
 
 std::optional<Choice> readChoice(std::string_view reply, Buttons buttons) {
     const std::string answer = toUpper(trim(reply));

@@ -34,6 +34,9 @@ public:
     virtual Choice askChoice(std::string_view title, std::string_view text, Buttons buttons) = 0;
 };
 
+// The keys a terminal offers for the buttons: "[y]es/[n]o", "[a]bort/[r]etry/[i]gnore", ...
+std::string_view buttonHint(Buttons buttons);
+
 // The answer taken when no answer can be had: No for Yes/No, Abort for
 // Abort/Retry/Ignore, Cancel otherwise.
 Choice cautiousChoice(Buttons buttons);

@@ -15,17 +15,6 @@ constexpr std::string_view kUnanswered = "Question without an answer";
                         "\" (standard input is not read; give the value as an option)");
 }
 
-std::string_view hintOf(Buttons buttons) {
-    switch (buttons) {
-        case Buttons::Ok: return "[OK]";
-        case Buttons::OkCancel: return "[o]k/[c]ancel";
-        case Buttons::YesNo: return "[y]es/[n]o";
-        case Buttons::YesNoCancel: return "[y]es/[n]o/[c]ancel";
-        case Buttons::AbortRetryIgnore: return "[a]bort/[r]etry/[i]gnore";
-    }
-    return "";
-}
-
 }  // namespace
 
 CommandLineAsker::CommandLineAsker(std::ostream& out, std::vector<std::string> answers,
@@ -48,7 +37,7 @@ Choice CommandLineAsker::askChoice(std::string_view title, std::string_view text
         showMessage(title, text);
         return Choice::Ok;
     }
-    if (choices_.empty()) refuse(title, std::string(text) + " " + std::string(hintOf(buttons)));
+    if (choices_.empty()) refuse(title, std::string(text) + " " + std::string(buttonHint(buttons)));
     const Choice choice = choices_.front();
     choices_.pop_front();
     return choice;
