@@ -98,7 +98,7 @@ void Build(benchmark::State& state, ParameterSet (*ion)()) {
 void Solve(benchmark::State& state, ParameterSet (*ion)(), bool vectors) {
     const auto& [model, parameters] = prepared(ion);
     ModelWorkspace workspace;
-    const SolveRequest request{false, vectors, kAllEigenvalues, {}};
+    const SolveRequest request{false, vectors, kAllEigenvalues, {}, {}};
     model->solve(parameters, request, workspace);  // first solve: the workspace grows
     for (auto _ : state) {
         auto solution = model->solve(parameters, request, workspace);

@@ -38,7 +38,7 @@ const PropertyStates& statesOf(ParameterSet (*ion)()) {
         MemoryLogBook log;
         const auto model = Model::build(modelSetupOf(set, true, false), benchTableDirectory(), log);
         ModelWorkspace workspace;
-        const auto solution = model.solve(parameterVectorOf(set, false), {false, true, kAllEigenvalues, {}}, workspace);
+        const auto solution = model.solve(parameterVectorOf(set, false), {false, true, kAllEigenvalues, {}, {}}, workspace);
         found = cache.emplace(ion, crystalFieldStates(model, solution, 1.0)).first;
     }
     return found->second;

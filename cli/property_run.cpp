@@ -91,7 +91,7 @@ PropertyRun runForProperties(const PropertyRunOptions& options, LogBook& log) {
     }
     ModelWorkspace workspace;
     const auto solution =
-        model.solve(parameterVectorOf(run.set, options.complex), {options.freeIon, true, kAllEigenvalues, {}}, workspace);
+        model.solve(parameterVectorOf(run.set, options.complex), {options.freeIon, true, kAllEigenvalues, {}, {}}, workspace);
     if (solution.status != EigenStatus::Ok) throw UserError("Error in Main", "the diagonalisation failed");
     const double factor = wavenumbersPerUnit(run.set);
     run.states = crystalField ? crystalFieldStates(model, solution, factor) : freeIonStates(model, solution.freeIon, factor);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <complex>
 #include <map>
+#include <stdexcept>
+#include <string>
 #include <utility>
 
 #include <fmt/format.h>
@@ -321,6 +323,29 @@ double Model::levelDerivative(std::size_t b, const ModelLevel& level, ParameterI
     return 0.0;
 }
 
+namespace {
+
+// The levels whose derivatives are asked: the listed ones (each checked
+// against the count), or all of them.
+std::vector<std::size_t> derivativeRows(const std::vector<int>& listed, std::size_t count) {
+    std::vector<std::size_t> rows;
+    if (listed.empty()) {
+        rows.resize(count);
+        for (std::size_t i = 0; i < count; ++i) rows[i] = i;
+        return rows;
+    }
+    rows.reserve(listed.size());
+    for (int level : listed) {
+        if (level < 0 || static_cast<std::size_t>(level) >= count)
+            throw std::out_of_range("derivative asked for level " + std::to_string(level) + " of " +
+                                    std::to_string(count));
+        rows.push_back(static_cast<std::size_t>(level));
+    }
+    return rows;
+}
+
+}  // namespace
+
 ModelSolution Model::solve(const ParameterVector& parameters, const SolveRequest& request,
                            ModelWorkspace& workspace) const {
     ModelSolution solution;
@@ -345,10 +370,11 @@ ModelSolution Model::solve(const ParameterVector& parameters, const SolveRequest
     }
     if (freeIonOnly) {
         if (!request.derivatives.empty()) {
-            solution.derivatives.resize(static_cast<Eigen::Index>(solution.freeIon.levels.size()),
+            const auto rows = derivativeRows(request.derivativeLevels, solution.freeIon.levels.size());
+            solution.derivatives.resize(static_cast<Eigen::Index>(rows.size()),
                                         static_cast<Eigen::Index>(request.derivatives.size()));
-            for (std::size_t l = 0; l < solution.freeIon.levels.size(); ++l) {
-                const auto& level = solution.freeIon.levels[l];
+            for (std::size_t l = 0; l < rows.size(); ++l) {
+                const auto& level = solution.freeIon.levels[rows[l]];
                 for (std::size_t p = 0; p < request.derivatives.size(); ++p) {
                     double value = 0.0;
                     for (std::size_t c = 0; c < freeIonIds_.size(); ++c)
@@ -428,10 +454,11 @@ ModelSolution Model::solve(const ParameterVector& parameters, const SolveRequest
         for (std::size_t b = 0; b < blocks_.size(); ++b)
             for (std::size_t i = 0; i < count[b]; ++i)
                 sourceOf[first[b] + i] = blocks_[b].partner < 0 ? first[b] + i : first[blocks_[b].partner] + i;
-        solution.derivatives.resize(static_cast<Eigen::Index>(retained),
+        const auto rows = derivativeRows(request.derivativeLevels, retained);
+        solution.derivatives.resize(static_cast<Eigen::Index>(rows.size()),
                                     static_cast<Eigen::Index>(request.derivatives.size()));
-        for (std::size_t r = 0; r < retained; ++r) {
-            const auto& source = solution.levels[sourceOf[order[r]]];
+        for (std::size_t r = 0; r < rows.size(); ++r) {
+            const auto& source = solution.levels[sourceOf[order[rows[r]]]];
             for (std::size_t p = 0; p < request.derivatives.size(); ++p)
                 solution.derivatives(static_cast<Eigen::Index>(r), static_cast<Eigen::Index>(p)) =
                     levelDerivative(static_cast<std::size_t>(source.block), source, request.derivatives[p]);

@@ -73,6 +73,10 @@ struct SolveRequest {
     // level sum them over its partners: the sum does not depend on the basis
     // chosen inside the level.
     std::vector<ParameterId> derivatives;
+    // Only for these levels (0-based positions in the ascending result, each
+    // below the number of levels returned); empty: every level. Row i of
+    // `ModelSolution::derivatives` then belongs to derivativeLevels[i].
+    std::vector<int> derivativeLevels;
 };
 
 struct ModelLevel {
@@ -86,7 +90,8 @@ struct ModelSolution {
     EigenStatus status = EigenStatus::Ok;
     FreeIonSolution freeIon;          // when asked (free-ion levels, J-block vectors)
     std::vector<ModelLevel> levels;   // crystal-field levels, ascending
-    Eigen::MatrixXd derivatives;      // levels x request.derivatives (free-ion levels for a free-ion model)
+    // levels (or request.derivativeLevels) x request.derivatives (free-ion levels for a free-ion model)
+    Eigen::MatrixXd derivatives;
 };
 
 // A state of a crystal-field block: |SL J MJ> with `jState` the index into the

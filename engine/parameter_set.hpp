@@ -72,6 +72,14 @@ struct RunSwitches {
     friend bool operator==(const RunSwitches&, const RunSwitches&) = default;
 };
 
+// One row of the fit section: a parameter's fit option and, for a linked one, its master.
+struct FitSetupRow {
+    std::string name;
+    int option = 0;
+    std::string linkedTo;
+    friend bool operator==(const FitSetupRow&, const FitSetupRow&) = default;
+};
+
 struct ParameterSet {
     int version = 2;  // 1: no header line; 2: quoted header line
     std::string title = "Tb3+";  // text left of the first "{" of the title line, trimmed
@@ -91,6 +99,7 @@ struct ParameterSet {
     bool hasOptionLine = false;
     std::string optionLine;  // as read; the writer rebuilds it from `switches`
     RunSwitches switches;
+    std::vector<FitSetupRow> fitSetup;
     friend bool operator==(const ParameterSet&, const ParameterSet&) = default;
 };
 

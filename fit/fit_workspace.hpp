@@ -92,6 +92,10 @@ struct FitSettings {
     double jWeight = 100.0;
     double irrepWeight = 50.0;
     double propertyAccuracy = 1e-5;
+    // Uncertainty of every observed energy (energy unit) for the error
+    // column "Error (based on input)" and the method "Experimental errors in
+    // observed energies".
+    double observedEnergyError = 1.0;
     bool computeFitErrors = false;
     bool autoMatch = false;
     bool automaticUpdate = true;

@@ -45,7 +45,7 @@ TEST(ModelDerivatives, EulerRelationForFreeIonAndCrystalFieldLevels) {
             const auto parameters = parameterVectorOf(set, complex);
             const auto ids = model.parameterIds();
             ModelWorkspace workspace;
-            const auto solution = model.solve(parameters, {false, false, kAllEigenvalues, ids}, workspace);
+            const auto solution = model.solve(parameters, {false, false, kAllEigenvalues, ids, {}}, workspace);
             const auto count = solution.derivatives.rows();
             for (Eigen::Index level = 0; level < count; ++level) {
                 double sum = 0.0;
@@ -96,7 +96,7 @@ TEST(ModelDerivatives, MatchCentralFiniteDifferencesOfCorrelationAndImaginaryPar
         c.prepare(set);
         const Model model = test::buildModel(set, true, true);
         ModelWorkspace workspace;
-        const auto solution = model.solve(parameterVectorOf(set, true), {false, false, kAllEigenvalues, {c.id}}, workspace);
+        const auto solution = model.solve(parameterVectorOf(set, true), {false, false, kAllEigenvalues, {c.id}, {}}, workspace);
         auto plus = set, minus = set;
         c.value(plus) += 0.25;
         c.value(minus) -= 0.25;

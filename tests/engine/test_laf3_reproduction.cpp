@@ -23,6 +23,7 @@
 #include "tables/table_directory.hpp"
 #include "tables/three_body_tables.hpp"
 #include "tests/engine/engine_test_support.hpp"
+#include "tests/support/published_ion.hpp"
 #include "tests/support/reference_data.hpp"
 
 namespace orvane {
@@ -31,40 +32,8 @@ namespace {
 using test::bkq;
 using test::row;
 
-// ---------------------------------------------------------------------------
-// Carnall et al. 1989, one ion per file: "NAME = value status" lines (Table I) and, after
-// "[levels]", rows "index multiplet E_obs E_calc E_model obs-calc note" (the appendix tables).
-
-struct PublishedIon {
-    std::map<std::string, double> parameters;
-    std::vector<double> calculated;  // E_calc of every listed level, ascending
-};
-
-PublishedIon readPublishedIon(const std::filesystem::path& path) {
-    PublishedIon ion;
-    bool inLevels = false;
-    const std::string text = readTextFile(path);
-    std::size_t start = 0;
-    while (start < text.size()) {
-        const auto end = std::min(text.find('\n', start), text.size());
-        const std::string line(trim(std::string_view(text).substr(start, end - start)));
-        start = end + 1;
-        if (line.empty() || line[0] == '#') continue;
-        if (line == "[levels]") {
-            inLevels = true;
-            continue;
-        }
-        const auto fields = splitFields(line);
-        if (inLevels) {
-            if (fields.size() >= 4)
-                if (const auto value = parseNumber(fields[3])) ion.calculated.push_back(*value);
-        } else if (fields.size() >= 3 && fields[1] == "=") {
-            if (const auto value = parseNumber(fields[2])) ion.parameters[fields[0]] = *value;
-        }
-    }
-    std::sort(ion.calculated.begin(), ion.calculated.end());
-    return ion;
-}
+using test::PublishedIon;
+using test::readPublishedIon;
 
 // The engine's parameter set of an ion (F^k form, EAVG 0, real Wybourne B(k,q), fold 2, "/noss").
 ParameterSet parameterSetOf(const PublishedIon& ion, int n) {

@@ -47,7 +47,7 @@ TEST_P(ModelDerivatives, MatchFiniteDifferences) {
                                     crystalFieldParameterId(CrystalFieldOperator::Standard, 4, c.fold, false)};
     if (c.complex) ids.push_back(crystalFieldParameterId(CrystalFieldOperator::Standard, 4, c.fold, true));
     ModelWorkspace workspace;
-    const auto solution = model.solve(parameters, {false, false, kAllEigenvalues, ids}, workspace);
+    const auto solution = model.solve(parameters, {false, false, kAllEigenvalues, ids, {}}, workspace);
     const std::size_t count = 12;
     for (std::size_t p = 0; p < ids.size(); ++p) {
         auto levelSum = [&](double delta) {
@@ -95,7 +95,7 @@ TEST(Model, PartnerBlocksByTimeReversalAndLowestLevels) {
         const Model model = modelOf(set, c.complex);
         const auto parameters = parameterVectorOf(set, c.complex);
         ModelWorkspace workspace;
-        const auto all = model.solve(parameters, {false, true, kAllEigenvalues, {}}, workspace);
+        const auto all = model.solve(parameters, {false, true, kAllEigenvalues, {}, {}}, workspace);
         int partners = 0;
         for (std::size_t b = 0; b < model.blocks().size(); ++b) {
             if (model.blocks()[b].partner < 0) continue;
@@ -123,7 +123,7 @@ TEST(Model, PartnerBlocksByTimeReversalAndLowestLevels) {
             EXPECT_LT(worst, 1e-12) << what << " orthonormality of block " << b;
         }
         EXPECT_GT(partners, 0) << what;
-        const auto lowest = model.solve(parameters, {false, false, 7, {}}, workspace);
+        const auto lowest = model.solve(parameters, {false, false, 7, {}, {}}, workspace);
         ASSERT_EQ(lowest.levels.size(), 7u);
         for (std::size_t i = 0; i < 7; ++i) EXPECT_NEAR(lowest.levels[i].energy, all.levels[i].energy, 1e-8) << what;
     }

@@ -15,7 +15,7 @@ namespace orvane::test {
 
 inline PropertyStates solvedStates(const Model& model, const ParameterSet& set, bool complex) {
     ModelWorkspace workspace;
-    const auto solution = model.solve(parameterVectorOf(set, complex), {!model.setup().crystalField, true, kAllEigenvalues, {}}, workspace);
+    const auto solution = model.solve(parameterVectorOf(set, complex), {!model.setup().crystalField, true, kAllEigenvalues, {}, {}}, workspace);
     return model.setup().crystalField ? crystalFieldStates(model, solution, 1.0)
                                       : freeIonStates(model, solution.freeIon, 1.0);
 }

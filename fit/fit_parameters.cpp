@@ -1,0 +1,184 @@
+#include "fit/fit_parameters.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+#include <fmt/format.h>
+
+#include "core/user_error.hpp"
+#include "engine/crystal_field_parameters.hpp"
+#include "engine/other_free_ion.hpp"
+
+namespace orvane {
+namespace {
+
+constexpr const char* kFitErrorTitle = "Error in fitting";
+
+// "B(4,3)" -> "B43", "SCCF c(2,1)" -> "SCCFc21": the registry name without
+// blanks, brackets and commas.
+std::string compactName(const std::string& name) {
+    std::string out;
+    for (char c : name)
+        if (c != ' ' && c != '(' && c != ')' && c != ',') out += c;
+    return out;
+}
+
+FitParameter rowOf(ParameterId id, double value) {
+    FitParameter row;
+    row.name = fitParameterName(id);
+    row.id = id;
+    row.initial = row.previous = row.finalFit = value;
+    return row;
+}
+
+// A number as the fit writes it into a parameter file: up to four decimals.
+std::string fittedText(double value) {
+    std::string text = fmt::format("{:.4f}", value);
+    text.erase(text.find_last_not_of('0') + 1);
+    if (text.back() == '.') text.pop_back();
+    if (text == "-0") text = "0";
+    return text;
+}
+
+void setCell(ParameterCell& cell, double value) {
+    cell.text = fittedText(value);
+    cell.value = std::stod(cell.text);
+}
+
+}  // namespace
+
+std::string fitParameterName(ParameterId id) {
+    const auto info = parameterInfo(id);
+    return info ? compactName(info->name) : fmt::format("#{}", id);
+}
+
+std::optional<ParameterId> fitParameterIdOf(std::string_view name) {
+    for (const auto& info : freeIonParameters())
+        if (info.name == name) return info.id;
+    for (int op = 0; op < 5; ++op)
+        for (int imaginary = 0; imaginary < 2; ++imaginary)
+            for (int k = 2; k <= kMaxCrystalFieldRank; k += 2)
+                for (int q = imaginary; q <= k && q <= 9; ++q) {
+                    const auto id = 1000 + 1000 * op + 100 * imaginary + 10 * k + q;
+                    if (k <= 6 && parameterInfo(id) && fitParameterName(id) == name) return id;
+                }
+    return std::nullopt;
+}
+
+std::optional<std::string> fitRefusal(const ParameterSet& set) {
+    if (set.slaterType != SlaterType::SlaterFUpper)
+        return "The fit works on Slater F^k parameters (type = 3); convert the electrostatic parameters first.";
+    if (set.cfConvention != CfConvention::Wybourne)
+        return "The fit works on crystal-field parameters in Wybourne's convention; convert them first.";
+    if (set.switches.cubicCF) return "The fit cannot vary a cubic crystal field (\"/cubiccf\"); write its rows out first.";
+    if (set.switches.t2Correction) return "The fit cannot vary T2 under \"/t2correction\".";
+    return std::nullopt;
+}
+
+std::vector<FitParameter> fitParameterRows(const ParameterSet& set, FitKind kind) {
+    if (const auto refusal = fitRefusal(set)) throw UserError(kFitErrorTitle, *refusal);
+    const bool complex = kind == FitKind::ComplexCrystalField;
+    const ParameterVector values = parameterVectorOf(set, complex).withLinksApplied();
+    std::vector<FitParameter> rows;
+    using namespace parameter;
+    for (const ParameterId id : {kEavg, kF2, kF4, kF6, kZeta}) rows.push_back(rowOf(id, values.value(id)));
+    for (const auto& other : set.otherFreeIon) {
+        const auto id = parameterIdOf(other.name);
+        if (!id || findFitParameter(rows, fitParameterName(*id))) continue;
+        FitParameter row = rowOf(*id, values.value(*id));
+        const auto cell = readOtherFreeIonCell(other.name, other.cell.text);
+        if (cell && (cell->form == OtherFreeIonForm::MultipleOfM0 || cell->form == OtherFreeIonForm::MultipleOfP2)) {
+            row.option = kFitOptionLinked;
+            row.linkedTo = cell->form == OtherFreeIonForm::MultipleOfM0 ? "M0" : "P2";
+            row.linkRatio = cell->number;
+        }
+        rows.push_back(std::move(row));
+    }
+    if (kind != FitKind::FreeIon) {
+        const auto crystalField = crystalFieldParametersOf(set, false, complex);
+        for (const auto& key : crystalField.keys) {
+            for (int imaginary = 0; imaginary < (complex && key.q > 0 ? 2 : 1); ++imaginary) {
+                const auto id = crystalFieldParameterId(key.op, key.k, key.q, imaginary == 1);
+                if (!findFitParameter(rows, fitParameterName(id))) rows.push_back(rowOf(id, values.value(id)));
+            }
+        }
+    }
+    for (const auto& setup : set.fitSetup) {
+        if (setup.option < INT16_MIN || setup.option > INT16_MAX)
+            throw UserError(kFitErrorTitle, fmt::format("Unknown Option = {} for {}", setup.option, setup.name));
+        setFitOption(rows, setup.name, static_cast<std::int16_t>(setup.option), setup.linkedTo);
+    }
+    return rows;
+}
+
+const FitParameter* findFitParameter(const std::vector<FitParameter>& rows, std::string_view name) {
+    const auto it = std::find_if(rows.begin(), rows.end(), [&](const FitParameter& row) { return row.name == name; });
+    return it == rows.end() ? nullptr : &*it;
+}
+
+void setFitOption(std::vector<FitParameter>& rows, std::string_view name, std::int16_t option,
+                  std::string_view master) {
+    auto it = std::find_if(rows.begin(), rows.end(), [&](const FitParameter& row) { return row.name == name; });
+    if (it == rows.end())
+        throw UserError(kFitErrorTitle, fmt::format("The parameter set has no parameter \"{}\" to fit", name));
+    if (option == kFitOptionLinked && !master.empty() && !findFitParameter(rows, master))
+        throw UserError(kFitErrorTitle,
+                        fmt::format("\"{}\" cannot be linked to \"{}\": the set has no such parameter", name, master));
+    const bool sameLink = it->option == kFitOptionLinked && it->linkedTo == master;
+    it->option = option;
+    if (option != kFitOptionLinked) {
+        it->linkedTo.clear();
+        it->linkRatio.reset();
+    } else if (!sameLink) {
+        it->linkedTo = std::string(master);
+        it->linkRatio.reset();
+    }
+}
+
+double linkRatioOf(const FitParameter& row, const FitParameter& master) {
+    if (row.linkRatio) return *row.linkRatio;
+    return master.initial != 0.0 ? row.initial / master.initial : 1.0;
+}
+
+ParameterVector fitParameterVector(const ParameterVector& base, const std::vector<FitParameter>& rows) {
+    ParameterVector vector = base;
+    vector.links.clear();  // the table's links replace the file's multiples
+    for (const auto& row : rows) vector.set(row.id, row.finalFit);
+    return vector;
+}
+
+ParameterSet withFittedValues(const ParameterSet& set, const std::vector<FitParameter>& rows) {
+    ParameterSet out = set;
+    using namespace parameter;
+    const ParameterId mainIds[] = {kEavg, kF2, kF4, kF6, kZeta};
+    for (std::size_t i = 0; i < out.mainFreeIon.size(); ++i)
+        for (const auto& row : rows)
+            if (row.id == mainIds[i]) setCell(out.mainFreeIon[i].cell, row.finalFit);
+    for (auto& other : out.otherFreeIon) {
+        const auto* row = findFitParameter(rows, other.name);
+        if (!row) continue;
+        const bool keepsMultiple = row->option == kFitOptionLinked && row->linkRatio &&
+                                   (row->linkedTo == "M0" || row->linkedTo == "P2");
+        if (!keepsMultiple) setCell(other.cell, row->finalFit);
+    }
+    for (auto& cf : out.crystalField) {
+        for (int imaginary = 0; imaginary < 2; ++imaginary) {
+            const auto id = crystalFieldParameterId(CrystalFieldOperator::Standard, cf.k, cf.q, imaginary == 1);
+            const auto* row = findFitParameter(rows, fitParameterName(id));
+            if (row) setCell(imaginary ? cf.im : cf.re, row->finalFit);
+        }
+    }
+    for (auto& section : out.correlationCF)
+        for (auto& cf : section.rows)
+            for (int imaginary = 0; imaginary < 2; ++imaginary) {
+                const auto id = crystalFieldParameterId(operatorOf(section.kind), cf.k, cf.q, imaginary == 1);
+                const auto* row = findFitParameter(rows, fitParameterName(id));
+                if (row) setCell(imaginary ? cf.im : cf.re, row->finalFit);
+            }
+    out.fitSetup.clear();
+    for (const auto& row : rows)
+        if (row.option != kFitOptionFixed) out.fitSetup.push_back({row.name, row.option, row.linkedTo});
+    return out;
+}
+
+}  // namespace orvane
