@@ -292,35 +292,66 @@ Eigen::MatrixXd Model::imaginaryBlockMatrix(std::size_t b, const ParameterVector
     return matrix;
 }
 
-// dE/dp = <v| dH/dp |v> in the level's block (free-ion components act on the
-// (MJ, J) patches; a crystal-field part i A contributes i <v|A|v>, real).
-double Model::levelDerivative(std::size_t b, const ModelLevel& level, ParameterId id) const {
-    const bool complex = level.complexVector.size() > 0;
-    auto quadratic = [&](const auto& matrix) -> Complex {
-        if (complex) return level.complexVector.dot(matrix.template cast<Complex>() * level.complexVector);
-        return level.vector.dot(matrix * level.vector);
-    };
-    for (std::size_t c = 0; c < freeIonIds_.size(); ++c) {
-        if (freeIonIds_[c] != id) continue;
-        double sum = 0.0;
-        for (const auto& patch : patches_[b]) {
-            const auto& block = freeIon_->components[c].blocks[patch.jBlock];
+// dE/dp = <v| dH/dp |v> in the level's block, for the levels of one block at
+// once: with v = x + i y (y = 0 for the real model) and a real symmetric
+// component A, <v|A|v> = x.Ax + y.Ay; an imaginary part i A (A antisymmetric)
+// gives y.Ax - x.Ay. Free-ion components act on the (MJ, J) patches.
+Eigen::MatrixXd Model::levelDerivatives(const std::vector<const ModelLevel*>& levels,
+                                        const std::vector<ParameterId>& ids) const {
+    Eigen::MatrixXd result = Eigen::MatrixXd::Zero(static_cast<Eigen::Index>(levels.size()),
+                                                   static_cast<Eigen::Index>(ids.size()));
+    std::map<int, std::vector<std::size_t>> byBlock;
+    for (std::size_t i = 0; i < levels.size(); ++i) byBlock[levels[i]->block].push_back(i);
+    for (const auto& [block, members] : byBlock) {
+        const auto b = static_cast<std::size_t>(block);
+        const auto n = static_cast<Eigen::Index>(blocks_[b].states.size());
+        const auto m = static_cast<Eigen::Index>(members.size());
+        const bool complex = levels[members[0]]->complexVector.size() > 0;
+        Eigen::MatrixXd x(n, m), y(complex ? n : 0, complex ? m : 0);
+        for (Eigen::Index j = 0; j < m; ++j) {
+            const ModelLevel& level = *levels[members[static_cast<std::size_t>(j)]];
             if (complex) {
-                const Eigen::VectorXcd v = level.complexVector.segment(patch.offset, patch.size);
-                sum += v.dot(block.cast<Complex>() * v).real();
+                x.col(j) = level.complexVector.real();
+                y.col(j) = level.complexVector.imag();
             } else {
-                const Eigen::VectorXd v = level.vector.segment(patch.offset, patch.size);
-                sum += v.dot(block * v);
+                x.col(j) = level.vector;
             }
         }
-        return freeIonSigns_[c] * sum;
+        // Column sums of u .* (A w): u_j . A w_j for every level j.
+        Eigen::MatrixXd product;
+        auto symmetric = [&](const auto& matrix, Eigen::Index offset, Eigen::Index size) -> Eigen::RowVectorXd {
+            product.noalias() = matrix * x.middleRows(offset, size);
+            Eigen::RowVectorXd sum = x.middleRows(offset, size).cwiseProduct(product).colwise().sum();
+            if (complex) {
+                product.noalias() = matrix * y.middleRows(offset, size);
+                sum += y.middleRows(offset, size).cwiseProduct(product).colwise().sum();
+            }
+            return sum;
+        };
+        for (std::size_t p = 0; p < ids.size(); ++p) {
+            Eigen::RowVectorXd d = Eigen::RowVectorXd::Zero(m);
+            for (std::size_t c = 0; c < freeIonIds_.size(); ++c) {
+                if (freeIonIds_[c] != ids[p]) continue;
+                for (const auto& patch : patches_[b])
+                    d += freeIonSigns_[c] * symmetric(freeIon_->components[c].blocks[patch.jBlock], patch.offset,
+                                                      patch.size);
+            }
+            for (const auto& component : crystalField_) {
+                if (component.reId == ids[p]) d += component.sign * symmetric(component.real[b], 0, n);
+                if (component.imId == ids[p] && complex && !component.imaginary.empty()) {
+                    product.noalias() = component.imaginary[b] * x;
+                    Eigen::RowVectorXd im = y.cwiseProduct(product).colwise().sum();
+                    product.noalias() = component.imaginary[b] * y;
+                    im -= x.cwiseProduct(product).colwise().sum();
+                    d += component.sign * im;
+                }
+            }
+            for (Eigen::Index j = 0; j < m; ++j)
+                result(static_cast<Eigen::Index>(members[static_cast<std::size_t>(j)]), static_cast<Eigen::Index>(p)) =
+                    d(j);
+        }
     }
-    for (const auto& component : crystalField_) {
-        if (component.reId == id) return component.sign * quadratic(component.real[b]).real();
-        if (component.imId == id && !component.imaginary.empty())
-            return -component.sign * quadratic(component.imaginary[b]).imag();
-    }
-    return 0.0;
+    return result;
 }
 
 namespace {
@@ -455,13 +486,32 @@ ModelSolution Model::solve(const ParameterVector& parameters, const SolveRequest
             for (std::size_t i = 0; i < count[b]; ++i)
                 sourceOf[first[b] + i] = blocks_[b].partner < 0 ? first[b] + i : first[blocks_[b].partner] + i;
         const auto rows = derivativeRows(request.derivativeLevels, retained);
+        // Sorted positions whose derivatives enter each row: the row's level, or its degenerate group.
+        std::vector<std::pair<std::size_t, std::size_t>> ranges;
+        for (const std::size_t r : rows) {
+            std::size_t lo = r, hi = r + 1;
+            if (request.averageDegenerateLevels) {
+                auto energyAt = [&](std::size_t k) { return solution.levels[order[k]].energy; };
+                while (lo > 0 && degenerateEnergies(energyAt(lo - 1), energyAt(lo))) --lo;
+                while (hi < order.size() && degenerateEnergies(energyAt(hi - 1), energyAt(hi))) ++hi;
+            }
+            ranges.emplace_back(lo, hi);
+        }
+        std::map<std::size_t, std::size_t> column;  // source level -> its index in `sources`
+        std::vector<const ModelLevel*> sources;
+        for (const auto& [lo, hi] : ranges)
+            for (std::size_t k = lo; k < hi; ++k)
+                if (column.emplace(sourceOf[order[k]], sources.size()).second)
+                    sources.push_back(&solution.levels[sourceOf[order[k]]]);
+        const Eigen::MatrixXd bySource = levelDerivatives(sources, request.derivatives);
         solution.derivatives.resize(static_cast<Eigen::Index>(rows.size()),
                                     static_cast<Eigen::Index>(request.derivatives.size()));
         for (std::size_t r = 0; r < rows.size(); ++r) {
-            const auto& source = solution.levels[sourceOf[order[rows[r]]]];
-            for (std::size_t p = 0; p < request.derivatives.size(); ++p)
-                solution.derivatives(static_cast<Eigen::Index>(r), static_cast<Eigen::Index>(p)) =
-                    levelDerivative(static_cast<std::size_t>(source.block), source, request.derivatives[p]);
+            const auto [lo, hi] = ranges[r];
+            Eigen::RowVectorXd sum = Eigen::RowVectorXd::Zero(bySource.cols());
+            for (std::size_t k = lo; k < hi; ++k)
+                sum += bySource.row(static_cast<Eigen::Index>(column[sourceOf[order[k]]]));
+            solution.derivatives.row(static_cast<Eigen::Index>(r)) = sum / static_cast<double>(hi - lo);
         }
     }
     std::vector<ModelLevel> sorted;

@@ -77,7 +77,18 @@ struct SolveRequest {
     // below the number of levels returned); empty: every level. Row i of
     // `ModelSolution::derivatives` then belongs to derivativeLevels[i].
     std::vector<int> derivativeLevels;
+    // Each derivative is that of the mean energy of the level's degenerate
+    // group (energies within kDegenerateEnergyTolerance of their neighbours):
+    // independent of the basis chosen inside the group.
+    bool averageDegenerateLevels = false;
 };
+
+// Energies closer than this (cm^-1 or the set's unit; plus 1e-9 relative)
+// belong to one degenerate level.
+inline constexpr double kDegenerateEnergyTolerance = 1e-5;
+inline bool degenerateEnergies(double lower, double upper) {
+    return upper - lower <= kDegenerateEnergyTolerance + 1e-9 * (upper < 0 ? -upper : upper);
+}
 
 struct ModelLevel {
     double energy = 0.0;
@@ -177,7 +188,9 @@ private:
     template <typename Scalar>
     void fillBlock(std::size_t b, const std::vector<Eigen::MatrixXd>& freeIon, const ParameterVector& parameters,
                    Eigen::Map<Eigen::Matrix<Scalar, Eigen::Dynamic, Eigen::Dynamic>> matrix) const;
-    double levelDerivative(std::size_t b, const ModelLevel& level, ParameterId id) const;
+    // dE/dp of solved (not partner) levels, rows as `levels`, columns as `ids`.
+    Eigen::MatrixXd levelDerivatives(const std::vector<const ModelLevel*>& levels,
+                                     const std::vector<ParameterId>& ids) const;
 };
 
 // Reusable storage of one thread's solves.

@@ -14,12 +14,6 @@ namespace orvane {
 namespace {
 
 constexpr const char* kCriticalFitError = "Critical error in fitting free-ion and complex crystal field parameters";
-// States on either side of an observed state whose derivatives are taken, so
-// that a degenerate level (at most a quartet in f^n) is averaged whole.
-constexpr int kDerivativeWindow = 3;
-
-bool isDegenerate(double lower, double upper) { return upper - lower <= 1e-5 + 1e-9 * std::abs(upper); }
-
 std::shared_ptr<const Model> buildModel(const ParameterSet& set, FitKind kind,
                                         const std::filesystem::path& tableDirectory, LogBook& log) {
     const auto setup = modelSetupOf(set, kind != FitKind::FreeIon, kind == FitKind::ComplexCrystalField);
@@ -115,13 +109,13 @@ FitEvaluation FitSession::evaluate(const std::vector<FitParameter>& rows, bool w
     std::set<int> wanted;
     for (const auto& level : workspace_.levels)
         if (level.stateNumber >= 1 && level.stateNumber <= retained)
-            for (int s = level.stateNumber - 1 - kDerivativeWindow; s <= level.stateNumber - 1 + kDerivativeWindow; ++s)
-                if (s >= 0 && s < retained) wanted.insert(s);
+            wanted.insert(level.stateNumber - 1);
     SolveRequest request;
     request.vectors = withVectors;
     request.lowest = maxLevels > 0 ? retained : kAllEigenvalues;
     request.derivatives = wanted.empty() ? std::vector<ParameterId>{} : derivativeIds_;
     request.derivativeLevels.assign(wanted.begin(), wanted.end());
+    request.averageDegenerateLevels = true;
     if (request.derivatives.empty()) request.derivativeLevels.clear();
     const auto solution = model_->solve(fitParameterVector(base_, rows), request, solveWorkspace_);
     if (solution.status != EigenStatus::Ok) throw UserError("Error in fitting", kCriticalFitError);
@@ -137,31 +131,26 @@ FitEvaluation FitSession::evaluate(const std::vector<FitParameter>& rows, bool w
         if (!std::isfinite(e)) throw UserError("Error in fitting", kCriticalFitError);
     int distinct = -1;
     for (std::size_t s = 0; s < evaluation.energies.size(); ++s) {
-        if (s == 0 || !isDegenerate(evaluation.energies[s - 1], evaluation.energies[s])) ++distinct;
+        if (s == 0 || !degenerateEnergies(evaluation.energies[s - 1], evaluation.energies[s])) ++distinct;
         if (maxLevels > 0 && distinct >= maxLevels) break;
         evaluation.levelOfState.push_back(distinct);
     }
     evaluation.energies.resize(evaluation.levelOfState.size());
     if (!evaluation.levels.empty()) evaluation.levels.resize(evaluation.levelOfState.size());
 
-    // Derivative of each wanted state: the mean over the states of its level.
+    // Row of each wanted state in the solution's derivatives (the mean over its level).
     std::vector<int> rowOfState(evaluation.energies.size(), -1);
-    int r = 0;
-    if (!request.derivatives.empty())
+    if (!request.derivatives.empty()) {
+        int r = 0;
         for (const int s : wanted) {
             if (static_cast<std::size_t>(s) < rowOfState.size()) rowOfState[static_cast<std::size_t>(s)] = r;
             ++r;
         }
-    auto levelDerivative = [&](int state) {
-        Eigen::RowVectorXd sum = Eigen::RowVectorXd::Zero(static_cast<Eigen::Index>(derivativeIds_.size()));
-        int count = 0;
-        const int level = evaluation.levelOfState[static_cast<std::size_t>(state)];
-        for (std::size_t s = 0; s < rowOfState.size(); ++s)
-            if (evaluation.levelOfState[s] == level && rowOfState[s] >= 0) {
-                sum += solution.derivatives.row(rowOfState[s]);
-                ++count;
-            }
-        return count > 0 ? Eigen::RowVectorXd(sum / count) : sum;
+    }
+    auto levelDerivative = [&](int state) -> Eigen::RowVectorXd {
+        const int row = rowOfState[static_cast<std::size_t>(state)];
+        if (row < 0) return Eigen::RowVectorXd();
+        return solution.derivatives.row(row);
     };
     // Column of each free parameter: its own derivative plus those of its followers times their ratios.
     const auto columns = static_cast<Eigen::Index>(freeRows_.size());
