@@ -11,17 +11,6 @@ namespace orvane {
 
 namespace {
 
-// Offsets of each |SL J> state's first |SL J MJ> state in the crystal-field basis.
-std::vector<int> projectionOffsets(const JBasis& basis) {
-    std::vector<int> offsets;
-    int next = 0;
-    for (const auto& state : basis.states) {
-        offsets.push_back(next);
-        next += state.twiceJ + 1;
-    }
-    return offsets;
-}
-
 // Orders items by decreasing magnitude, taken to 1e-12, then by increasing
 // index (unique within the list): magnitudes equal to 1e-12 (the partners M
 // and -M of a state, equal by symmetry but not to the last bit) keep basis
@@ -117,6 +106,17 @@ ResultBasis crystalFieldResultBasis(const std::vector<EngineTerm>& terms, const 
     return result;
 }
 
+void describeFreeIonLevel(const FreeIonLevel& source, const JBasis& jBasis, const ResultBasis& basis,
+                          double minComponent, ResultLevel& level) {
+    const auto& states = jBasis.blocks[source.block].states;
+    for (int i = 0; i < static_cast<int>(states.size()); ++i) {
+        const double c = source.vector.size() > i ? source.vector[i] : 0.0;
+        if (c * c > 0.0) level.multiplets.push_back({states[i], c * c});
+        if (std::abs(c) >= minComponent && c != 0.0) level.components.push_back({states[i], c});
+    }
+    finishLevel(level, basis);
+}
+
 std::vector<ResultLevel> freeIonResultLevels(const EnergyLevelResult& result, const ResultBasis& basis,
                                              double minComponent) {
     const auto& jBasis = result.freeIonOperators.basis;
@@ -126,13 +126,7 @@ std::vector<ResultLevel> freeIonResultLevels(const EnergyLevelResult& result, co
         ResultLevel level;
         level.energy = source.energy;
         level.block = source.block;
-        const auto& states = jBasis.blocks[source.block].states;
-        for (int i = 0; i < static_cast<int>(states.size()); ++i) {
-            const double c = source.vector.size() > i ? source.vector[i] : 0.0;
-            if (c * c > 0.0) level.multiplets.push_back({states[i], c * c});
-            if (std::abs(c) >= minComponent && c != 0.0) level.components.push_back({states[i], c});
-        }
-        finishLevel(level, basis);
+        describeFreeIonLevel(source, jBasis, basis, minComponent, level);
         levels.push_back(std::move(level));
     }
     numberWithinBlocks(levels, static_cast<int>(jBasis.blocks.size()));
@@ -168,13 +162,24 @@ void collectComponents(const Vector& vector, const std::vector<ModelState>& stat
 
 }  // namespace
 
+void describeModelLevel(const ModelLevel& vectors, const ModelBlock& block, const ResultBasis& basis,
+                        double minComponent, ResultLevel& level) {
+    thread_local std::vector<double> multipletWeight;
+    thread_local std::vector<int> touched;
+    multipletWeight.assign(basis.firstOfJState.size(), 0.0);
+    if (vectors.complexVector.size() > 0)
+        collectComponents(vectors.complexVector, block.states, basis.firstOfJState, minComponent, multipletWeight,
+                          touched, level);
+    else if (vectors.vector.size() > 0)
+        collectComponents(vectors.vector, block.states, basis.firstOfJState, minComponent, multipletWeight, touched,
+                          level);
+    finishLevel(level, basis);
+}
+
 std::vector<ResultLevel> crystalFieldResultLevels(const EnergyLevelResult& result, const ResultBasis& basis,
                                                   double minComponent) {
     const auto& blocks = result.crystalFieldOperators.blocks;
-    const auto offsets = projectionOffsets(result.freeIonOperators.basis);
     std::vector<ResultLevel> levels(result.crystalField.levels.size());
-    std::vector<double> multipletWeight(result.freeIonOperators.basis.states.size(), 0.0);
-    std::vector<int> touched;
     for (std::size_t n = 0; n < levels.size(); ++n) {
         auto& level = levels[n];
         const auto& source = result.crystalField.levels[n];
@@ -183,12 +188,8 @@ std::vector<ResultLevel> crystalFieldResultLevels(const EnergyLevelResult& resul
         level.residue = blocks[static_cast<std::size_t>(source.block)].residue;
         if (n >= result.modelLevels.size()) continue;  // computed without vectors
         const auto& vectors = result.modelLevels[n];
-        const auto& states = result.model->blocks()[static_cast<std::size_t>(vectors.block)].states;
-        if (vectors.complexVector.size() > 0)
-            collectComponents(vectors.complexVector, states, offsets, minComponent, multipletWeight, touched, level);
-        else if (vectors.vector.size() > 0)
-            collectComponents(vectors.vector, states, offsets, minComponent, multipletWeight, touched, level);
-        finishLevel(level, basis);
+        describeModelLevel(vectors, result.model->blocks()[static_cast<std::size_t>(vectors.block)], basis,
+                           minComponent, level);
     }
     numberWithinBlocks(levels, static_cast<int>(blocks.size()));
     return levels;

@@ -76,6 +76,19 @@ int twiceCrystalQuantumNumber(int residue, int fold);
 ResultBasis freeIonResultBasis(const std::vector<EngineTerm>& terms, const JBasis& basis);
 ResultBasis crystalFieldResultBasis(const std::vector<EngineTerm>& terms, const JBasis& basis);
 
+// Multiplet weights (decreasing), label, J, mixing flag and the components
+// with |c| >= minComponent of one free-ion level (a vector over the |SL J>
+// states of its J block), over the |SL J> `basis` (freeIonResultBasis).
+// Energy, block and numbering are left to the caller.
+void describeFreeIonLevel(const FreeIonLevel& source, const JBasis& jBasis, const ResultBasis& basis,
+                          double minComponent, ResultLevel& level);
+
+// The same for a crystal-field level of a prepared model solved with vectors
+// (over the |SL J MJ> states of `block`), over the |SL J MJ> `basis`
+// (crystalFieldResultBasis). Energy, block, residue and numbering are left to the caller.
+void describeModelLevel(const ModelLevel& vectors, const ModelBlock& block, const ResultBasis& basis,
+                        double minComponent, ResultLevel& level);
+
 // The free-ion levels of `result`, components with |c| >= minComponent.
 std::vector<ResultLevel> freeIonResultLevels(const EnergyLevelResult& result, const ResultBasis& basis,
                                              double minComponent);
