@@ -34,5 +34,6 @@ void addRunCommand(CLI::App& app);      // orvane run FILE.par
 void addBatchCommand(CLI::App& app);    // orvane batch LIST
 // orvane states|gfactors|moments|chi|intensities|jo-fit FILE.par
 void addPropertyCommands(CLI::App& app);
+void addFitCommand(CLI::App& app);  // orvane fit FILE.par --observed LEVELS
 
 }  // namespace orvane::cli

@@ -23,6 +23,7 @@ int main(int argc, char** argv) {
     orvane::cli::addRunCommand(app);
     orvane::cli::addBatchCommand(app);
     orvane::cli::addPropertyCommands(app);
+    orvane::cli::addFitCommand(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

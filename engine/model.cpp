@@ -292,10 +292,43 @@ Eigen::MatrixXd Model::imaginaryBlockMatrix(std::size_t b, const ParameterVector
     return matrix;
 }
 
-// dE/dp = <v| dH/dp |v> in the level's block, for the levels of one block at
-// once: with v = x + i y (y = 0 for the real model) and a real symmetric
-// component A, <v|A|v> = x.Ax + y.Ay; an imaginary part i A (A antisymmetric)
-// gives y.Ax - x.Ay. Free-ion components act on the (MJ, J) patches.
+Eigen::MatrixXd Model::applyParameterOperator(std::size_t b, ParameterId id, const Eigen::MatrixXd& x) const {
+    Eigen::MatrixXd re, im;
+    applyParameterOperator(b, id, x, Eigen::MatrixXd(), re, im);
+    return re;
+}
+
+// dH/dp (x + i y): free-ion components act on the (MJ, J) patches; a
+// crystal-field part A acts on both; an imaginary part i A gives -A y + i A x.
+void Model::applyParameterOperator(std::size_t b, ParameterId id, const Eigen::MatrixXd& x, const Eigen::MatrixXd& y,
+                                   Eigen::MatrixXd& re, Eigen::MatrixXd& im) const {
+    const bool complex = y.size() > 0;
+    re = Eigen::MatrixXd::Zero(x.rows(), x.cols());
+    im = Eigen::MatrixXd::Zero(complex ? x.rows() : 0, complex ? x.cols() : 0);
+    for (std::size_t c = 0; c < freeIonIds_.size(); ++c) {
+        if (freeIonIds_[c] != id) continue;
+        for (const auto& patch : patches_[b]) {
+            const auto& block = freeIon_->components[c].blocks[patch.jBlock];
+            re.middleRows(patch.offset, patch.size).noalias() += freeIonSigns_[c] * (block * x.middleRows(patch.offset, patch.size));
+            if (complex)
+                im.middleRows(patch.offset, patch.size).noalias() +=
+                    freeIonSigns_[c] * (block * y.middleRows(patch.offset, patch.size));
+        }
+    }
+    for (const auto& component : crystalField_) {
+        if (component.reId == id) {
+            re.noalias() += component.sign * (component.real[b] * x);
+            if (complex) im.noalias() += component.sign * (component.real[b] * y);
+        }
+        if (component.imId == id && complex && !component.imaginary.empty()) {
+            re.noalias() -= component.sign * (component.imaginary[b] * y);
+            im.noalias() += component.sign * (component.imaginary[b] * x);
+        }
+    }
+}
+
+// dE/dp = <v| dH/dp |v> for the levels of one block at once: with v = x + i y
+// (y = 0 for the real model) and dH/dp v = re + i im, <v|dH/dp|v> = x.re + y.im.
 Eigen::MatrixXd Model::levelDerivatives(const std::vector<const ModelLevel*>& levels,
                                         const std::vector<ParameterId>& ids) const {
     Eigen::MatrixXd result = Eigen::MatrixXd::Zero(static_cast<Eigen::Index>(levels.size()),
@@ -307,7 +340,7 @@ Eigen::MatrixXd Model::levelDerivatives(const std::vector<const ModelLevel*>& le
         const auto n = static_cast<Eigen::Index>(blocks_[b].states.size());
         const auto m = static_cast<Eigen::Index>(members.size());
         const bool complex = levels[members[0]]->complexVector.size() > 0;
-        Eigen::MatrixXd x(n, m), y(complex ? n : 0, complex ? m : 0);
+        Eigen::MatrixXd x(n, m), y(complex ? n : 0, complex ? m : 0), re, im;
         for (Eigen::Index j = 0; j < m; ++j) {
             const ModelLevel& level = *levels[members[static_cast<std::size_t>(j)]];
             if (complex) {
@@ -317,35 +350,10 @@ Eigen::MatrixXd Model::levelDerivatives(const std::vector<const ModelLevel*>& le
                 x.col(j) = level.vector;
             }
         }
-        // Column sums of u .* (A w): u_j . A w_j for every level j.
-        Eigen::MatrixXd product;
-        auto symmetric = [&](const auto& matrix, Eigen::Index offset, Eigen::Index size) -> Eigen::RowVectorXd {
-            product.noalias() = matrix * x.middleRows(offset, size);
-            Eigen::RowVectorXd sum = x.middleRows(offset, size).cwiseProduct(product).colwise().sum();
-            if (complex) {
-                product.noalias() = matrix * y.middleRows(offset, size);
-                sum += y.middleRows(offset, size).cwiseProduct(product).colwise().sum();
-            }
-            return sum;
-        };
         for (std::size_t p = 0; p < ids.size(); ++p) {
-            Eigen::RowVectorXd d = Eigen::RowVectorXd::Zero(m);
-            for (std::size_t c = 0; c < freeIonIds_.size(); ++c) {
-                if (freeIonIds_[c] != ids[p]) continue;
-                for (const auto& patch : patches_[b])
-                    d += freeIonSigns_[c] * symmetric(freeIon_->components[c].blocks[patch.jBlock], patch.offset,
-                                                      patch.size);
-            }
-            for (const auto& component : crystalField_) {
-                if (component.reId == ids[p]) d += component.sign * symmetric(component.real[b], 0, n);
-                if (component.imId == ids[p] && complex && !component.imaginary.empty()) {
-                    product.noalias() = component.imaginary[b] * x;
-                    Eigen::RowVectorXd im = y.cwiseProduct(product).colwise().sum();
-                    product.noalias() = component.imaginary[b] * y;
-                    im -= x.cwiseProduct(product).colwise().sum();
-                    d += component.sign * im;
-                }
-            }
+            applyParameterOperator(b, ids[p], x, y, re, im);
+            Eigen::RowVectorXd d = x.cwiseProduct(re).colwise().sum();
+            if (complex) d += y.cwiseProduct(im).colwise().sum();
             for (Eigen::Index j = 0; j < m; ++j)
                 result(static_cast<Eigen::Index>(members[static_cast<std::size_t>(j)]), static_cast<Eigen::Index>(p)) =
                     d(j);

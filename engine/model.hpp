@@ -149,6 +149,13 @@ public:
     // sign of the route (conjugate shell) times the parameter.
     double routeSign(ParameterId id) const;
 
+    // dH/dp applied to vectors of block b (columns over the block's states; a
+    // time-reversal partner block has no components: use its source block).
+    // For complex vectors x + i y the result is re + i im.
+    Eigen::MatrixXd applyParameterOperator(std::size_t b, ParameterId id, const Eigen::MatrixXd& x) const;
+    void applyParameterOperator(std::size_t b, ParameterId id, const Eigen::MatrixXd& x, const Eigen::MatrixXd& y,
+                                Eigen::MatrixXd& re, Eigen::MatrixXd& im) const;
+
     // Free-ion Hamiltonian per J block for the given parameters.
     std::vector<Eigen::MatrixXd> freeIonMatrices(const ParameterVector& parameters) const;
     // The matrix of a block for the given parameters (real part; the complex

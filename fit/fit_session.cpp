@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include "core/user_error.hpp"
+#include "fit/automatch.hpp"
 #include "fit/fit_checks.hpp"
 #include "fit/fit_parameters.hpp"
 
@@ -126,6 +127,7 @@ FitEvaluation FitSession::evaluate(const std::vector<FitParameter>& rows, bool w
         evaluation.levels = std::move(solution.levels);
     } else {
         for (const auto& level : solution.freeIon.levels) evaluation.energies.push_back(level.energy);
+        if (withVectors) evaluation.freeIonLevels = solution.freeIon.levels;
     }
     for (const double e : evaluation.energies)
         if (!std::isfinite(e)) throw UserError("Error in fitting", kCriticalFitError);
@@ -137,6 +139,7 @@ FitEvaluation FitSession::evaluate(const std::vector<FitParameter>& rows, bool w
     }
     evaluation.energies.resize(evaluation.levelOfState.size());
     if (!evaluation.levels.empty()) evaluation.levels.resize(evaluation.levelOfState.size());
+    if (!evaluation.freeIonLevels.empty()) evaluation.freeIonLevels.resize(evaluation.levelOfState.size());
 
     // Row of each wanted state in the solution's derivatives (the mean over its level).
     std::vector<int> rowOfState(evaluation.energies.size(), -1);
@@ -236,7 +239,10 @@ std::vector<std::string> FitSession::undeterminedParameterAdvice(const LeastSqua
 FitCycleReport FitSession::runCycle() {
     const auto start = std::chrono::steady_clock::now();
     FitCycleReport report;
-    if (freeRows_.empty() || evaluation_.energies.empty()) {
+    if (workspace_.settings.autoMatch) {
+        autoMatchLevels();
+        report.solves += 2;
+    } else if (freeRows_.empty() || evaluation_.energies.empty()) {
         update();
         ++report.solves;
     }
@@ -255,7 +261,7 @@ FitCycleReport FitSession::runCycle() {
             candidate[static_cast<std::size_t>(freeRows_[c])].finalFit +=
                 workspace_.settings.scalingFactor * step.step(static_cast<Eigen::Index>(c));
         applyFollowers(candidate);
-        FitEvaluation trialEvaluation = evaluate(candidate, workspace_.settings.autoMatch);
+        FitEvaluation trialEvaluation = evaluate(candidate, false);
         ++report.solves;
         const double after = sumOfSquaredDifferences(workspace_, trialEvaluation.energies);
         if (std::isfinite(after) && after <= before * (1.0 + 1e-12)) {
@@ -276,6 +282,30 @@ FitCycleReport FitSession::runCycle() {
     report.standardError = workspace_.standardError;
     report.milliseconds = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
     return report;
+}
+
+std::vector<CalculatedState> FitSession::calculatedStates() {
+    update(true);
+    return model_->setup().crystalField ? orvane::calculatedStates(*model_, evaluation_.levels)
+                                        : orvane::calculatedStates(*model_, evaluation_.freeIonLevels);
+}
+
+int FitSession::autoMatchLevels() {
+    const auto states = calculatedStates();
+    const auto matches = autoMatch(workspace_.levels, states, workspace_.settings);
+    int changed = 0;
+    for (std::size_t i = 0; i < matches.size(); ++i) {
+        if (matches[i].kind == MatchKind::Kept) continue;
+        changed += workspace_.levels[i].stateNumber != matches[i].stateNumber ? 1 : 0;
+        workspace_.levels[i].stateNumber = matches[i].stateNumber;
+    }
+    update();
+    return changed;
+}
+
+bool FitSession::adoptLabels() {
+    const auto states = calculatedStates();
+    return adoptCalculatedLabels(workspace_.levels, states);
 }
 
 std::vector<std::string> FitSession::fitEavOnly() {

@@ -26,6 +26,7 @@
 #include "core/log_book.hpp"
 #include "engine/model.hpp"
 #include "engine/parameter_set.hpp"
+#include "fit/calculated_labels.hpp"
 #include "fit/fit_workspace.hpp"
 #include "fit/least_squares_step.hpp"
 
@@ -49,6 +50,7 @@ struct FitEvaluation {
     std::vector<double> energies;        // ascending, one per state
     std::vector<int> levelOfState;       // distinct-level number of each state
     std::vector<ModelLevel> levels;      // with vectors when asked
+    std::vector<FreeIonLevel> freeIonLevels;  // free-ion model, with vectors when asked
     Eigen::MatrixXd jacobian;            // fitted observed levels x free parameters
     std::vector<int> fittedLevels;       // workspace.levels rows behind the Jacobian rows
     Eigen::MatrixXd allAssignedJacobian; // every assigned level (withheld too) x free parameters
@@ -74,6 +76,13 @@ public:
     // One fit cycle. Throws UserError ("Critical error in fitting free-ion and
     // complex crystal field parameters") when the engine fails.
     FitCycleReport runCycle();
+    // The calculated states with their labels (runs the engine with vectors).
+    std::vector<CalculatedState> calculatedStates();
+    // AutoMatch of state labels (fit/automatch.hpp): re-assigns the state
+    // numbers and refreshes the tables; returns the rows whose number changed.
+    int autoMatchLevels();
+    // Adopts the labels of the assigned states; true for "Alladopted".
+    bool adoptLabels();
     // "Fit for Eav only": E_AVG moves by the mean difference of the fitted levels.
     std::vector<std::string> fitEavOnly();
 

@@ -1,0 +1,251 @@
+// orvane fit FILE.par --observed LEVELS: least-squares fit of the parameter
+// file's free-ion and crystal-field parameters to observed levels
+// (docs/fitting.md). Prints the cycle lines and the tables, writes the fitted
+// parameter file (the input's layout with the fitted values and the fit
+// section) and, with --csv, the level table. Ctrl-C stops between cycles and
+// keeps the best parameters seen.
+#include <atomic>
+#include <csignal>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <fmt/format.h>
+
+#include "cli/commands.hpp"
+#include "cli/exit_code.hpp"
+#include "core/atomic_file.hpp"
+#include "core/log_book.hpp"
+#include "core/user_error.hpp"
+#include "engine/parameter_file.hpp"
+#include "fit/fit_errors.hpp"
+#include "fit/fit_parameters.hpp"
+#include "fit/fit_session.hpp"
+#include "fit/fit_tables.hpp"
+#include "fit/observed_levels_file.hpp"
+#include "fit/ultimate_fit.hpp"
+#include "interactive/command_line_asker.hpp"
+#include "interactive/fit_dialogs.hpp"
+#include "tables/table_directory.hpp"
+
+namespace orvane::cli {
+namespace {
+
+struct FitOptions {
+    std::string file;
+    std::string observed;
+    std::vector<std::string> free, fix, link;
+    int cycles = 1;
+    bool ultimate = false;
+    bool eavOnly = false;
+    double scale = 1.0;
+    bool autoMatch = false;
+    bool errors = false;
+    bool correlations = false;
+    std::string csv;
+    std::string output;
+    bool complex = false;
+    bool freeIon = false;
+    std::string tableDirectory;
+    int maxLevels = 0;
+    double convergence = 0.01;
+    int maxIterations = 30;
+    bool yes = false;
+};
+
+// Break: the first SIGINT asks the fit to stop between cycles; a second one
+// ends the program as before the fit.
+volatile std::sig_atomic_t gBreakRequested = 0;
+std::atomic<bool> gStopFit{false};
+extern "C" void requestBreak(int) {
+    if (gBreakRequested) std::_Exit(130);
+    gBreakRequested = 1;
+}
+
+struct BreakHandler {
+    using Handler = void (*)(int);
+    Handler previous;
+    BreakHandler() : previous(std::signal(SIGINT, requestBreak)) {}
+    ~BreakHandler() { std::signal(SIGINT, previous); }
+    bool requested() const { return gBreakRequested != 0; }
+};
+
+FitKind kindOf(const FitOptions& options) {
+    return options.freeIon ? FitKind::FreeIon : options.complex ? FitKind::ComplexCrystalField : FitKind::RealCrystalField;
+}
+
+bool hasImaginaryCrystalField(const ParameterSet& set) {
+    for (const auto& row : set.crystalField)
+        if (row.im.value != 0.0) return true;
+    return false;
+}
+
+std::filesystem::path defaultOutput(const std::string& file) {
+    std::filesystem::path path(file);
+    return path.parent_path() / (path.stem().string() + "_fit.par");
+}
+
+FitWorkspace workspaceOf(const ParameterSet& set, const FitOptions& options) {
+    FitWorkspace workspace;
+    workspace.parameterFileName = std::filesystem::path(options.file).filename().string();
+    workspace.kind = kindOf(options);
+    workspace.parameters = fitParameterRows(set, workspace.kind);
+    for (const auto& name : options.free) setFitOption(workspace.parameters, trim(name), kFitOptionFree);
+    for (const auto& name : options.fix) setFitOption(workspace.parameters, trim(name), kFitOptionFixed);
+    for (const auto& pair : options.link) {
+        const auto equals = pair.find('=');
+        if (equals == std::string::npos)
+            throw UserError("Error in fitting", "--link takes NAME=MASTER, not \"" + pair + "\"");
+        setFitOption(workspace.parameters, trim(pair.substr(0, equals)), kFitOptionLinked, trim(pair.substr(equals + 1)));
+    }
+    auto observed = readObservedLevelsFile(options.observed);
+    workspace.levels = std::move(observed.levels);
+    workspace.gFactors = std::move(observed.gFactors);
+    auto& s = workspace.settings;
+    s.scalingFactor = options.scale;
+    s.autoMatch = options.autoMatch;
+    s.computeFitErrors = options.errors || options.correlations;
+    s.maxLevels = options.maxLevels;
+    s.convergenceLimit = options.convergence;
+    s.maxIterations = options.maxIterations;
+    return workspace;
+}
+
+void printLines(LogBook& log, const std::vector<std::string>& lines) {
+    for (const auto& line : lines) log.appendLine(line);
+}
+
+void printCycle(LogBook& log, const FitCycleReport& report, bool& advised) {
+    log.appendLine(cycleLine(report));
+    if (!advised) printLines(log, report.messages);  // the same advice each cycle: once
+    advised = advised || !report.messages.empty();
+}
+
+// Cycles until --cycles are done or Break; the best parameters seen are kept.
+void runCycles(FitSession& session, int cycles, const BreakHandler& breaks, LogBook& log) {
+    auto best = session.workspace().parameters;
+    double bestRms = session.workspace().rmsDeviation;
+    bool advised = false;
+    for (int i = 0; i < cycles; ++i) {
+        if (breaks.requested()) {
+            log.appendLine("Break: the fit stopped between cycles.");
+            break;
+        }
+        const auto report = session.runCycle();
+        printCycle(log, report, advised);
+        if (report.rmsDeviation < bestRms) {
+            bestRms = report.rmsDeviation;
+            best = session.workspace().parameters;
+        }
+    }
+    if (breaks.requested() && session.workspace().rmsDeviation > bestRms) {
+        session.workspace().parameters = best;
+        session.update();
+    }
+}
+
+void runUltimate(FitSession& session, const BreakHandler& breaks, LogBook& log) {
+    bool advised = false;
+    // The series reads its stop flag between cycles; it follows the signal's flag.
+    auto onCycle = [&](const FitCycleReport& report) {
+        printCycle(log, report, advised);
+        gStopFit.store(breaks.requested());
+    };
+    gStopFit.store(false);
+    const auto result = runUltimateFit(session, &gStopFit, onCycle);
+    printLines(log, ultimateFitReport(result.decision, result.iterations, session.workspace().settings,
+                                      std::chrono::system_clock::now()));
+}
+
+void fitParameterFile(const FitOptions& options) {
+    StreamLogBook log(std::cout);
+    const auto set = readParameterFileForRun(options.file);
+    auto workspace = workspaceOf(set, options);
+    CommandLineAsker asker(std::cerr, {}, options.yes ? std::vector{Choice::Yes, Choice::Yes} : std::vector<Choice>{});
+    if (!options.eavOnly) {
+        const auto outcome = checkFitSetup(workspace, {false, hasImaginaryCrystalField(set)});
+        if (!confirmFitCycle(outcome, asker, log)) throw UserError("Error in fitting", "The fit was not run.");
+    }
+    log.appendLine(fitTitle(workspace));
+    const auto tables = options.tableDirectory.empty() ? defaultTableDirectory()
+                                                       : std::filesystem::path(options.tableDirectory);
+    FitSession session(set, std::move(workspace), tables, log);
+    session.update();
+    log.appendLine(fmt::format("Start: RMS Dev. = {:.4f}, S.E. = {:.4f}", session.workspace().rmsDeviation,
+                               session.workspace().standardError));
+    {
+        BreakHandler breaks;
+        if (options.eavOnly)
+            printLines(log, session.fitEavOnly());
+        else if (options.ultimate)
+            runUltimate(session, breaks, log);
+        else
+            runCycles(session, options.cycles, breaks, log);
+    }
+    if (session.workspace().settings.computeFitErrors) {
+        const auto errors = computeFitErrors(session);
+        applyLevelErrors(session.workspace(), errors);
+        printLines(log, fitErrorReport(session, errors, options.correlations));
+    }
+    const auto& result = session.workspace();
+    printLines(log, parameterTableLines(result));
+    printLines(log, levelTableLines(result));
+    printLines(log, gFactorTableLines(result));
+    printLines(log, rmsLines(result));
+    const auto output = options.output.empty() ? defaultOutput(options.file) : std::filesystem::path(options.output);
+    writeParameterFile(output, withFittedValues(set, result.parameters));
+    log.appendLine("Fitted parameters: " + output.string());
+    if (!options.csv.empty()) writeFileAtomically(options.csv, levelTableCsv(result));
+}
+
+}  // namespace
+
+void addFitCommand(CLI::App& app) {
+    auto* command = app.add_subcommand("fit", "Least-squares fit of a parameter file to observed levels");
+    auto options = std::make_shared<FitOptions>();
+    command->add_option("FILE", options->file, "parameter file (.par)")->required();
+    command->add_option("--observed", options->observed, "observed levels (docs/observed-levels-file.md)")->required();
+    command->add_option("--free", options->free, "parameters to fit (F2, ZETA, B43, ImB43, ...)")->delimiter(',');
+    command->add_option("--fix", options->fix, "parameters to keep fixed")->delimiter(',');
+    command->add_option("--link", options->link, "NAME=MASTER: NAME moves with MASTER by their ratio")->delimiter(',');
+    auto* cycles = command->add_option("--cycles", options->cycles, "number of fit cycles (default 1)")
+                       ->check(CLI::Range(1, 100000));
+    auto* ultimate = command->add_flag("--ultimate", options->ultimate, "cycles until the RMS deviation settles");
+    auto* eav = command->add_flag("--eav-only", options->eavOnly, "move EAVG only (Fit for Eav only)");
+    cycles->excludes(ultimate);
+    eav->excludes(ultimate)->excludes(cycles);
+    command->add_option("--scale", options->scale, "factor on every step (default 1)")
+        ->check(kFiniteNumber)
+        ->check(CLI::PositiveNumber);
+    command->add_flag("--automatch", options->autoMatch, "re-assign state numbers by their labels before each cycle");
+    command->add_flag("--errors", options->errors, "fit errors of the parameters and levels");
+    command->add_flag("--correlations", options->correlations, "fit errors and the correlation coefficients");
+    command->add_option("--csv", options->csv, "also write the level table as CSV to FILE");
+    command->add_option("-o,--output", options->output, "fitted parameter file (default FILE_fit.par)");
+    auto* freeIon = command->add_flag("--free-ion", options->freeIon, "fit free-ion levels (J-multiplets)");
+    command->add_flag("--complex", options->complex, "complex crystal field (Im Bkq fitted too)")->excludes(freeIon);
+    command->add_option("--tables", options->tableDirectory, "table directory (default: the delivered one)");
+    command->add_option("--max-levels", options->maxLevels, "different levels to consider (0 = all, default)")
+        ->check(CLI::NonNegativeNumber);
+    command->add_option("--convergence", options->convergence, "Ultimate Fit: limit on the RMS change (default 0.01)")
+        ->check(kFiniteNumber)
+        ->check(CLI::PositiveNumber);
+    command->add_option("--max-iterations", options->maxIterations, "Ultimate Fit: cycle limit, 0 none (default 30)")
+        ->check(CLI::NonNegativeNumber);
+    command->add_flag("--yes", options->yes, "answer yes to the questions before the fit");
+    command->callback([options] {
+        try {
+            fitParameterFile(*options);
+            setExitCode(kExitOk);
+        } catch (const UserError& error) {
+            std::cerr << error.title() << ": " << error.describe() << '\n';
+            setExitCode(kExitFailure);
+        } catch (const std::exception& error) {
+            std::cerr << "Error in fitting: " << error.what() << '\n';
+            setExitCode(kExitFailure);
+        }
+    });
+}
+
+}  // namespace orvane::cli
