@@ -10,6 +10,7 @@
 #include "fit/automatch.hpp"
 #include "fit/fit_checks.hpp"
 #include "fit/fit_parameters.hpp"
+#include "fit/g_factor_fit.hpp"
 
 namespace orvane {
 namespace {
@@ -103,25 +104,57 @@ void FitSession::applyFollowers(std::vector<FitParameter>& rows) const {
 
 ParameterVector FitSession::currentParameters() const { return fitParameterVector(base_, workspace_.parameters); }
 
+bool FitSession::fitsGFactors() const {
+    return workspace_.settings.fitGFactors && !workspace_.gFactors.empty() && model_->setup().crystalField;
+}
+
+// The Jacobian row over the free parameters of derivatives by derivativeIds_:
+// each free parameter's own derivative plus its followers' times their ratios.
+Eigen::RowVectorXd FitSession::masterRow(const Eigen::RowVectorXd& byId, const std::vector<FitParameter>& rows) const {
+    const auto columns = static_cast<Eigen::Index>(freeRows_.size());
+    Eigen::RowVectorXd row = Eigen::RowVectorXd::Zero(columns);
+    if (byId.size() == 0) return row;
+    auto idColumn = [&](ParameterId id) {
+        return static_cast<Eigen::Index>(std::lower_bound(derivativeIds_.begin(), derivativeIds_.end(), id) -
+                                         derivativeIds_.begin());
+    };
+    for (Eigen::Index c = 0; c < columns; ++c) {
+        const int master = freeRows_[static_cast<std::size_t>(c)];
+        row(c) += byId(idColumn(rows[static_cast<std::size_t>(master)].id));
+        for (const auto& follower : followers_)
+            if (follower.master == master)
+                row(c) += follower.ratio * byId(idColumn(rows[static_cast<std::size_t>(follower.row)].id));
+    }
+    return row;
+}
+
 FitEvaluation FitSession::evaluate(const std::vector<FitParameter>& rows, bool withVectors) {
     const int total = stateCount(*model_);
     const int maxLevels = workspace_.settings.maxLevels;
-    const int retained = maxLevels > 0 ? std::min(total, 4 * maxLevels) : total;
+    const bool gFactors = fitsGFactors();
+    // g-factor derivatives sum over every state of a block: the whole spectrum.
+    const int retained = maxLevels > 0 && !gFactors ? std::min(total, 4 * maxLevels) : total;
     std::set<int> wanted;
     for (const auto& level : workspace_.levels)
-        if (level.stateNumber >= 1 && level.stateNumber <= retained)
-            wanted.insert(level.stateNumber - 1);
+        if (level.stateNumber >= 1 && level.stateNumber <= retained) wanted.insert(level.stateNumber - 1);
     SolveRequest request;
-    request.vectors = withVectors;
-    request.lowest = maxLevels > 0 ? retained : kAllEigenvalues;
-    request.derivatives = wanted.empty() ? std::vector<ParameterId>{} : derivativeIds_;
-    request.derivativeLevels.assign(wanted.begin(), wanted.end());
+    request.vectors = withVectors || gFactors;
+    request.lowest = retained < total ? retained : kAllEigenvalues;
+    if (!wanted.empty()) {
+        request.derivatives = derivativeIds_;
+        request.derivativeLevels.assign(wanted.begin(), wanted.end());
+    }
     request.averageDegenerateLevels = true;
-    if (request.derivatives.empty()) request.derivativeLevels.clear();
-    const auto solution = model_->solve(fitParameterVector(base_, rows), request, solveWorkspace_);
+    auto solution = model_->solve(fitParameterVector(base_, rows), request, solveWorkspace_);
     if (solution.status != EigenStatus::Ok) throw UserError("Error in fitting", kCriticalFitError);
 
     FitEvaluation evaluation;
+    if (gFactors) {
+        const auto g = evaluateGFactors(*model_, solution.levels, workspace_.gFactors, derivativeIds_);
+        evaluation.gCalculated = g.calculated;
+        evaluation.gJacobian.resize(g.derivatives.rows(), static_cast<Eigen::Index>(freeRows_.size()));
+        for (Eigen::Index r = 0; r < g.derivatives.rows(); ++r) evaluation.gJacobian.row(r) = masterRow(g.derivatives.row(r), rows);
+    }
     if (model_->setup().crystalField) {
         for (const auto& level : solution.levels) evaluation.energies.push_back(level.energy);
         evaluation.levels = std::move(solution.levels);
@@ -143,49 +176,27 @@ FitEvaluation FitSession::evaluate(const std::vector<FitParameter>& rows, bool w
 
     // Row of each wanted state in the solution's derivatives (the mean over its level).
     std::vector<int> rowOfState(evaluation.energies.size(), -1);
-    if (!request.derivatives.empty()) {
-        int r = 0;
-        for (const int s : wanted) {
-            if (static_cast<std::size_t>(s) < rowOfState.size()) rowOfState[static_cast<std::size_t>(s)] = r;
-            ++r;
-        }
+    int next = 0;
+    for (const int s : wanted) {
+        if (static_cast<std::size_t>(s) < rowOfState.size()) rowOfState[static_cast<std::size_t>(s)] = next;
+        ++next;
     }
-    auto levelDerivative = [&](int state) -> Eigen::RowVectorXd {
-        const int row = rowOfState[static_cast<std::size_t>(state)];
-        if (row < 0) return Eigen::RowVectorXd();
-        return solution.derivatives.row(row);
-    };
-    // Column of each free parameter: its own derivative plus those of its followers times their ratios.
-    const auto columns = static_cast<Eigen::Index>(freeRows_.size());
-    auto jacobianRow = [&](int state) {
-        const Eigen::RowVectorXd d = levelDerivative(state);
-        Eigen::RowVectorXd row = Eigen::RowVectorXd::Zero(columns);
-        auto idColumn = [&](ParameterId id) {
-            return static_cast<Eigen::Index>(std::lower_bound(derivativeIds_.begin(), derivativeIds_.end(), id) -
-                                             derivativeIds_.begin());
-        };
-        for (Eigen::Index c = 0; c < columns; ++c) {
-            const int master = freeRows_[static_cast<std::size_t>(c)];
-            if (d.size() > 0) row(c) += d(idColumn(rows[static_cast<std::size_t>(master)].id));
-            for (const auto& follower : followers_)
-                if (follower.master == master && d.size() > 0)
-                    row(c) += follower.ratio * d(idColumn(rows[static_cast<std::size_t>(follower.row)].id));
-        }
-        return row;
-    };
     for (std::size_t i = 0; i < workspace_.levels.size(); ++i) {
         const auto& level = workspace_.levels[i];
         if (level.stateNumber < 1 || static_cast<std::size_t>(level.stateNumber) > evaluation.energies.size()) continue;
         evaluation.assignedLevels.push_back(static_cast<int>(i));
         if (!level.withheld) evaluation.fittedLevels.push_back(static_cast<int>(i));
     }
+    const auto columns = static_cast<Eigen::Index>(freeRows_.size());
     evaluation.allAssignedJacobian.resize(static_cast<Eigen::Index>(evaluation.assignedLevels.size()), columns);
     evaluation.jacobian.resize(static_cast<Eigen::Index>(evaluation.fittedLevels.size()), columns);
     for (std::size_t a = 0, f = 0; a < evaluation.assignedLevels.size(); ++a) {
         const auto& level = workspace_.levels[static_cast<std::size_t>(evaluation.assignedLevels[a])];
-        const Eigen::RowVectorXd row = jacobianRow(level.stateNumber - 1);
-        evaluation.allAssignedJacobian.row(static_cast<Eigen::Index>(a)) = row;
-        if (!level.withheld) evaluation.jacobian.row(static_cast<Eigen::Index>(f++)) = row;
+        const int row = rowOfState[static_cast<std::size_t>(level.stateNumber - 1)];
+        const Eigen::RowVectorXd jacobianRow =
+            masterRow(row >= 0 ? Eigen::RowVectorXd(solution.derivatives.row(row)) : Eigen::RowVectorXd(), rows);
+        evaluation.allAssignedJacobian.row(static_cast<Eigen::Index>(a)) = jacobianRow;
+        if (!level.withheld) evaluation.jacobian.row(static_cast<Eigen::Index>(f++)) = jacobianRow;
     }
     return evaluation;
 }
@@ -203,6 +214,19 @@ void FitSession::refreshLevels(const FitEvaluation& evaluation) {
             ++fitted;
         }
     }
+    double gSum = 0.0;
+    int gCount = 0;
+    for (std::size_t r = 0; r < workspace_.gFactors.size(); ++r) {
+        auto& g = workspace_.gFactors[r];
+        const bool known = r < evaluation.gCalculated.size() && std::isfinite(evaluation.gCalculated[r]);
+        g.calculated = known ? evaluation.gCalculated[r] : 0.0;
+        g.difference = known ? g.observed - g.calculated : 0.0;
+        if (known) {
+            gSum += g.difference * g.difference;
+            ++gCount;
+        }
+    }
+    workspace_.rmsDeviationG = gCount > 0 ? std::sqrt(gSum / gCount) : 0.0;
     const int freeCount = static_cast<int>(freeRows_.size());
     workspace_.rmsDeviation = fitted > 0 ? std::sqrt(sum / fitted) : 0.0;
     workspace_.standardError = fitted > 0 ? std::sqrt(sum / std::max(fitted - freeCount, 1)) : 0.0;
@@ -236,6 +260,22 @@ std::vector<std::string> FitSession::undeterminedParameterAdvice(const LeastSqua
     return lines;
 }
 
+double FitSession::gResidualWeight() const {
+    const auto& s = workspace_.settings;
+    if (s.gWeight > 0 && !s.automaticGWeight) return s.gWeight;
+    return workspace_.rmsDeviation > 0 ? workspace_.rmsDeviation / std::max(workspace_.rmsDeviationG, 1e-3) : 1.0;
+}
+
+double FitSession::objective(const FitEvaluation& evaluation, double gWeight) const {
+    double sum = sumOfSquaredDifferences(workspace_, evaluation.energies);
+    for (std::size_t r = 0; r < evaluation.gCalculated.size(); ++r)
+        if (std::isfinite(evaluation.gCalculated[r])) {
+            const double d = gWeight * (workspace_.gFactors[r].observed - evaluation.gCalculated[r]);
+            sum += d * d;
+        }
+    return sum;
+}
+
 FitCycleReport FitSession::runCycle() {
     const auto start = std::chrono::steady_clock::now();
     FitCycleReport report;
@@ -246,15 +286,29 @@ FitCycleReport FitSession::runCycle() {
         update();
         ++report.solves;
     }
-    Eigen::VectorXd residuals(static_cast<Eigen::Index>(evaluation_.fittedLevels.size()));
-    for (std::size_t i = 0; i < evaluation_.fittedLevels.size(); ++i) {
-        const auto& level = workspace_.levels[static_cast<std::size_t>(evaluation_.fittedLevels[i])];
-        residuals(static_cast<Eigen::Index>(i)) = level.observedEnergy - level.calculatedEnergy;
+    // Residuals and Jacobian: the fitted levels, then the weighted g-factors.
+    const double gWeight = fitsGFactors() ? gResidualWeight() : 0.0;
+    std::vector<int> gRows;
+    for (std::size_t r = 0; r < evaluation_.gCalculated.size(); ++r)
+        if (std::isfinite(evaluation_.gCalculated[r])) gRows.push_back(static_cast<int>(r));
+    const auto levelCount = static_cast<Eigen::Index>(evaluation_.fittedLevels.size());
+    Eigen::VectorXd residuals(levelCount + static_cast<Eigen::Index>(gRows.size()));
+    Eigen::MatrixXd jacobian(residuals.size(), static_cast<Eigen::Index>(freeRows_.size()));
+    jacobian.topRows(levelCount) = evaluation_.jacobian;
+    for (Eigen::Index i = 0; i < levelCount; ++i) {
+        const auto& level = workspace_.levels[static_cast<std::size_t>(evaluation_.fittedLevels[static_cast<std::size_t>(i)])];
+        residuals(i) = level.observedEnergy - level.calculatedEnergy;
+    }
+    for (std::size_t k = 0; k < gRows.size(); ++k) {
+        const auto r = static_cast<std::size_t>(gRows[k]);
+        const auto row = levelCount + static_cast<Eigen::Index>(k);
+        residuals(row) = gWeight * (workspace_.gFactors[r].observed - evaluation_.gCalculated[r]);
+        jacobian.row(row) = gWeight * evaluation_.gJacobian.row(static_cast<Eigen::Index>(r));
     }
     const double before = residuals.squaredNorm();
     auto& rows = workspace_.parameters;
     for (int trial = 0; trial < kStepTrials && !freeRows_.empty(); ++trial) {
-        const auto step = dampedGaussNewtonStep(evaluation_.jacobian, residuals, damping_);
+        const auto step = dampedGaussNewtonStep(jacobian, residuals, damping_);
         if (trial == 0) report.messages = undeterminedParameterAdvice(step);
         std::vector<FitParameter> candidate = rows;
         for (std::size_t c = 0; c < freeRows_.size(); ++c)
@@ -263,7 +317,7 @@ FitCycleReport FitSession::runCycle() {
         applyFollowers(candidate);
         FitEvaluation trialEvaluation = evaluate(candidate, false);
         ++report.solves;
-        const double after = sumOfSquaredDifferences(workspace_, trialEvaluation.energies);
+        const double after = objective(trialEvaluation, gWeight);
         if (std::isfinite(after) && after <= before * (1.0 + 1e-12)) {
             for (std::size_t i = 0; i < rows.size(); ++i) candidate[i].previous = rows[i].finalFit;
             rows = std::move(candidate);

@@ -15,6 +15,13 @@
 //
 //   RMS Dev. = sqrt(sum d^2 / N),  S.E. = sqrt(sum d^2 / (N - P))
 // with N fitted levels and P free parameters (N - P below 1 counts as 1).
+//
+// g-factors (fit/g_factor_fit.hpp), when "Set g-factors for fitting" is on:
+// the residuals w (g_obs - g_calc) join the energy residuals, w = gWeight, or
+// when gWeight is 0 (or the automatic weighting is on) w = RMS Dev. / RMS Dev.
+// of g at the start of the cycle (the g deviation at least 1e-3): each g
+// residual then weighs like an average energy residual.
+//   RMS Dev. of g = sqrt(sum (g_obs - g_calc)^2 / N_g).
 #include <chrono>
 #include <filesystem>
 #include <memory>
@@ -55,6 +62,8 @@ struct FitEvaluation {
     std::vector<int> fittedLevels;       // workspace.levels rows behind the Jacobian rows
     Eigen::MatrixXd allAssignedJacobian; // every assigned level (withheld too) x free parameters
     std::vector<int> assignedLevels;
+    std::vector<double> gCalculated;     // per g row, when g-factors are fitted
+    Eigen::MatrixXd gJacobian;           // g rows x free parameters
 };
 
 class FitSession {
@@ -112,6 +121,11 @@ private:
     double damping_ = 1e-3;
     int cycles_ = 0;
 
+    bool fitsGFactors() const;
+    // The weight of the g residuals in this cycle (gWeight, or automatic).
+    double gResidualWeight() const;
+    double objective(const FitEvaluation& evaluation, double gWeight) const;
+    Eigen::RowVectorXd masterRow(const Eigen::RowVectorXd& byId, const std::vector<FitParameter>& rows) const;
     void prepareColumns();
     void applyFollowers(std::vector<FitParameter>& rows) const;
     FitEvaluation evaluate(const std::vector<FitParameter>& rows, bool withVectors);

@@ -101,7 +101,7 @@ struct FitSettings {
     bool automaticUpdate = true;
     FitScope scope = FitScope::All;
     bool fitGFactors = false;
-    bool automaticGWeight = true;
+    bool automaticGWeight = false;  // automatic also when gWeight is 0
     CorrelationFitHandling correlation = CorrelationFitHandling::FixAll;
     FitErrorMethod errorMethod = FitErrorMethod::Discrepancies;
     bool reportValues = true;
