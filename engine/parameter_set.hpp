@@ -72,6 +72,17 @@ struct RunSwitches {
     friend bool operator==(const RunSwitches&, const RunSwitches&) = default;
 };
 
+// One row of the fit set-up (docs/parameter-file.md, Fit options): the
+// parameter by the name the fit uses ("F2", "ZETA", "B43", "ImB43"), its
+// option (1 free, 0 fixed, -1 linked; any 16-bit value is kept, the fit
+// reports the others) and, for option -1, the parameter it is linked to.
+struct FitSetupRow {
+    std::string name;
+    int option = 0;
+    std::string linkedTo;
+    friend bool operator==(const FitSetupRow&, const FitSetupRow&) = default;
+};
+
 struct ParameterSet {
     int version = 2;  // 1: no header line; 2: quoted header line
     std::string title = "Tb3+";  // text left of the first "{" of the title line, trimmed
@@ -91,6 +102,7 @@ struct ParameterSet {
     bool hasOptionLine = false;
     std::string optionLine;  // as read; the writer rebuilds it from `switches`
     RunSwitches switches;
+    std::vector<FitSetupRow> fitSetup;  // the optional final "Fit options" section
     friend bool operator==(const ParameterSet&, const ParameterSet&) = default;
 };
 
