@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <optional>
 #include <utility>
@@ -314,27 +315,23 @@ void readCrystalField(LineReader& in, ParameterSet& set) {
                       [](std::string_view line) { return parseCrystalFieldFields(line).has_value(); });
 }
 
+// "Fit options = N": the count line of the fit set-up, the last section.
+bool isFitSetupCountLine(std::string_view line) {
+    return iequals(leftOfFirstEquals(line), "Fit options");
+}
+
 // The option line holds switches ("/noss/ptgp= 7"), with free text between
 // them allowed; a line without any switch (a parameter row, say) is refused.
+// A "Fit options" line in its place means that the file has no option line.
 void readOptionLine(LineReader& in, ParameterSet& set) {
-    set.hasOptionLine = !in.atEnd();
+    const auto next = in.peek();
+    set.hasOptionLine = next && !isFitSetupCountLine(*next);
     set.optionLine = set.hasOptionLine ? std::string(in.take("")) : std::string();
     if (!trim(set.optionLine).empty() && set.optionLine.find('/') == std::string::npos)
         in.fail(kReadTitle, "The option line holds no switches (\"/noss\", \"/Eunit=2\", ...): " +
                                 std::string(trim(set.optionLine)));
     if (const auto problem = switchValueProblem(set.optionLine)) in.fail(kReadTitle, *problem);
     set.switches = readRunSwitches(set.optionLine);
-}
-
-// Without correlation sections the option line is the last line: anything
-// but blank lines after it is refused.
-void refuseTextAfterOptionLine(LineReader& in) {
-    while (!in.atEnd()) {
-        const std::string_view line = in.take("");
-        if (!trim(line).empty())
-            in.fail(kReadTitle, "Nothing may follow the option line (no \"/ccf\" on it): " +
-                                    std::string(trim(line)));
-    }
 }
 
 std::optional<CorrelationKind> kindOfMarker(std::string_view line) {
@@ -348,7 +345,7 @@ std::optional<CorrelationKind> kindOfMarker(std::string_view line) {
 void readCorrelationSections(LineReader& in, ParameterSet& set) {
     set.correlationCF.clear();
     const std::string ccfError(kCcfError);
-    while (!in.atEnd()) {
+    while (!in.atEnd() && !isFitSetupCountLine(*in.peek())) {
         const std::string_view markerLine = in.take("");
         if (trim(markerLine).empty()) continue;
         const auto kind = kindOfMarker(markerLine);
@@ -375,6 +372,56 @@ void readCorrelationSections(LineReader& in, ParameterSet& set) {
         refuseSurplusRows(in, count, std::string(correlationName(*kind)) + " parameters", kReadTitle,
                           [&rowOf](std::string_view line) { return rowOf(line).has_value(); });
         set.correlationCF.push_back(std::move(section));
+    }
+}
+
+// "NAME option [MASTER]": a name token, an integer in the 16-bit range and,
+// for option -1 only, the name of the parameter it is linked to.
+FitSetupRow readFitSetupRow(LineReader& in, std::string_view line) {
+    const std::vector<std::string> fields = splitFields(line);
+    if (fields.size() < 2 || fields.size() > 3)
+        in.fail(kReadTitle, "Expected a fit option \"NAME option [MASTER]\" but found: " +
+                                std::string(trim(line)));
+    const auto option = parseInteger(fields[1]);
+    if (!option || *option < std::numeric_limits<std::int16_t>::min() ||
+        *option > std::numeric_limits<std::int16_t>::max())
+        in.fail(kReadTitle, "The fit option of " + fields[0] +
+                                " is not an integer from -32768 to 32767: " + fields[1]);
+    FitSetupRow row{fields[0], *option, fields.size() == 3 ? fields[2] : std::string()};
+    if (row.option == -1 && row.linkedTo.empty())
+        in.fail(kReadTitle,
+                "The fit option -1 of " + row.name + " needs the parameter it is linked to");
+    if (row.option != -1 && !row.linkedTo.empty())
+        in.fail(kReadTitle,
+                "Only a fit option -1 names a linked parameter: " + std::string(trim(line)));
+    return row;
+}
+
+// After the option line (and the correlation sections) only blank lines and
+// the fit set-up may follow: "Fit options = N" and N rows, then nothing.
+void readFitSetup(LineReader& in, ParameterSet& set) {
+    set.fitSetup.clear();
+    while (!in.atEnd() && trim(*in.peek()).empty()) in.take("");
+    if (in.atEnd()) return;
+    const std::string_view countLine = in.take("");
+    if (!isFitSetupCountLine(countLine))
+        in.fail(kReadTitle,
+                "Nothing may follow the option line (no \"/ccf\" on it) but the fit options "
+                "(\"Fit options = N\"): " +
+                    std::string(trim(countLine)));
+    const int count = readCount(in, countLine, "fit options", "Fit options", kReadTitle, "");
+    DuplicateGuard<std::string> seen;
+    for (int i = 0; i < count; ++i) {
+        set.fitSetup.push_back(readFitSetupRow(in, in.take("")));
+        seen.add(in, set.fitSetup.back().name, "The fit option of " + set.fitSetup.back().name,
+                 kReadTitle);
+    }
+    while (!in.atEnd()) {
+        const std::string_view line = in.take("");
+        if (!trim(line).empty())
+            in.fail(kReadTitle,
+                    "The file announces " + std::to_string(count) +
+                        " fit options; nothing may follow them: " + std::string(trim(line)));
     }
 }
 
@@ -476,10 +523,8 @@ ParameterSet parseWithOptionLine(std::string_view text, const std::string& fileN
     readCrystalField(in, set);
     readOptionLine(in, set);
     optionLineNumber = set.hasOptionLine ? in.currentLineNumber() : 0;
-    if (set.switches.correlationSections)
-        readCorrelationSections(in, set);
-    else
-        refuseTextAfterOptionLine(in);
+    if (set.switches.correlationSections) readCorrelationSections(in, set);
+    readFitSetup(in, set);
     return set;
 }
 
@@ -557,6 +602,15 @@ std::string parameterFileText(const ParameterSet& set) {
             for (const CrystalFieldRow& row : section.rows)
                 line(std::string(correlationRowPrefix(section.kind)) + crystalFieldRowText(row));
         }
+    }
+    if (!set.fitSetup.empty()) line("Fit options = " + std::to_string(set.fitSetup.size()));
+    for (const FitSetupRow& row : set.fitSetup) {
+        if (row.name.empty() || row.name.find_first_of(" \t\r\n") != std::string::npos ||
+            row.linkedTo.find_first_of(" \t\r\n") != std::string::npos)
+            refuseToSave("The names of a fit option must be single words: " + row.name + " " +
+                         row.linkedTo);
+        line(row.name + "  " + std::to_string(row.option) +
+             (row.linkedTo.empty() ? "" : "  " + row.linkedTo));
     }
     // What is written must read back: a cell the reader refuses is refused here.
     try {

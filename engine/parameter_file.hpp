@@ -13,6 +13,7 @@
 //   No. of crystal field parameters in Wybourne's convention = M, then M rows: k  q  Re  Im
 //   the option line (switches), optional
 //   correlation crystal-field sections when the option line holds "/ccf"
+//   the fit set-up, optional: Fit options = K, then K rows: name option [master]
 // Version-1 files have no header line: their first line is the title line.
 #include <cstdint>
 #include <filesystem>

@@ -72,7 +72,10 @@ struct RunSwitches {
     friend bool operator==(const RunSwitches&, const RunSwitches&) = default;
 };
 
-// One row of the fit section: a parameter's fit option and, for a linked one, its master.
+// One row of the fit set-up (docs/parameter-file.md, Fit options): the
+// parameter by the name the fit uses ("F2", "ZETA", "B43", "ImB43"), its
+// option (1 free, 0 fixed, -1 linked; any 16-bit value is kept, the fit
+// reports the others) and, for option -1, the parameter it is linked to.
 struct FitSetupRow {
     std::string name;
     int option = 0;
@@ -99,7 +102,7 @@ struct ParameterSet {
     bool hasOptionLine = false;
     std::string optionLine;  // as read; the writer rebuilds it from `switches`
     RunSwitches switches;
-    std::vector<FitSetupRow> fitSetup;
+    std::vector<FitSetupRow> fitSetup;  // the optional final "Fit options" section
     friend bool operator==(const ParameterSet&, const ParameterSet&) = default;
 };
 

@@ -24,6 +24,7 @@ const std::set<std::string> kMustParse = {
     "m2-blank.par",             // M2 row without a value
     "note-with-braces.par",     // note cut at its first "}"
     "cf-row-three-fields.par",  // Bkq row without imaginary part
+    "fit-options-only.par",     // fit options straight after the Bkq rows
 };
 
 TEST(ParameterCorpus, EveryFileParsesOrIsRefusedWithFileAndLine) {

@@ -40,7 +40,11 @@ const std::string kCanonical =
     "ck 4  3  -0.5  0\n"
     "/occf-g(K)10B\n"
     "No. of OCCF g(K)10B parameters = 1\n"
-    "g(K)10B 6  6  2  0\n";
+    "g(K)10B 6  6  2  0\n"
+    "Fit options = 3\n"
+    "F2  1\n"
+    "M2  -1  M0\n"
+    "ImB43  2\n";
 
 ParameterSet parse(const std::string& text) { return parseParameterText(text, "test.par"); }
 
@@ -62,6 +66,7 @@ TEST(ParameterFile, ReadsEverySectionAndRoundTrips) {
     EXPECT_DOUBLE_EQ(set.crystalField[1].im.value, -20.25);
     EXPECT_EQ(set.switches.energyUnit, EnergyUnit::Kelvin);
     EXPECT_EQ(set.correlationCF[1].kind, CorrelationKind::OccfB);
+    EXPECT_EQ(set.fitSetup, (std::vector<FitSetupRow>{{"F2", 1, ""}, {"M2", -1, "M0"}, {"ImB43", 2, ""}}));
     std::string crlf;
     for (char c : kCanonical) crlf += c == '\n' ? std::string("\r\n") : std::string(1, c);
     EXPECT_EQ(parse(crlf), set);
@@ -93,6 +98,11 @@ TEST(ParameterFile, MalformedFilesNameFileAndLine) {
         {edited(kCanonical, "F2  100000", "F2  1e5x"), 6},
         {kCanonical.substr(0, kCanonical.find("F6  50000")), 8},
         {"", 1},
+        {edited(kCanonical, "M2  -1  M0", "M2  -1"), 30},
+        {edited(kCanonical, "F2  1\n", "F2  1  M0\n"), 29},
+        {edited(kCanonical, "ImB43  2", "ImB43  40000"), 31},
+        {edited(kCanonical, "ImB43  2", "F2  0"), 31},
+        {kCanonical + "B20  1\n", 32},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.text);
