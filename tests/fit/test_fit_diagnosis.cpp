@@ -121,7 +121,9 @@ TEST(FitChecks, RefuseOrWarnBeforeACycle) {
         for (const auto& message : c.messages)
             EXPECT_NE(std::find(outcome.messages.begin(), outcome.messages.end(), message), outcome.messages.end())
                 << c.what << ": " << message;
-        if (c.messages.empty()) EXPECT_TRUE(outcome.messages.empty()) << c.what;
+        if (c.messages.empty()) {
+            EXPECT_TRUE(outcome.messages.empty()) << c.what;
+        }
     }
 }
 

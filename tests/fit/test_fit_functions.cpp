@@ -51,7 +51,7 @@ TEST(CalculatedStates, PraseodymiumLaF3LabelsIrrepsAndWeights) {
     const auto set = readParameterFile(test::sourceDirectory() / "examples" / "Pr3plus-LaF3.par");
     const auto model = test::buildModel(set, true, false);
     ModelWorkspace workspace;
-    const auto solution = model.solve(parameterVectorOf(set, false), {true, true, kAllEigenvalues, {}}, workspace);
+    const auto solution = model.solve(parameterVectorOf(set, false), {true, true, kAllEigenvalues, {}, {}}, workspace);
     const auto states = calculatedStates(model, solution.levels);
     ASSERT_EQ(states.size(), 91u);
     EXPECT_EQ(states[0].label, (StateLabel{"3H", 8, "0"}));

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <regex>
 
 #include "core/atomic_file.hpp"
 #include "tests/interactive/orvane_command_runner.hpp"
@@ -45,6 +46,22 @@ TEST(PropertyReports, PraseodymiumExampleMatchesGoldenFiles) {
     }
     const auto toStdout = test::runOrvane("chi examples/Pr3plus-LaF3.par --temperatures '1 10 9' --csv -" + tables);
     EXPECT_EQ(toStdout.out.rfind("T,chi_x,chi_y,chi_z,chi_avg\n1,", 0), 0u) << toStdout.out;
+}
+
+// orvane fit on the same example and its observed levels: the report (cycle
+// times masked) and the fitted parameter file.
+TEST(FitReport, PraseodymiumExampleMatchesGoldenFiles) {
+    const auto dir = test::scratchDirectory("cli_fit_report");
+    const auto fitted = dir / "fitted.par";
+    const auto result = test::runOrvane(
+        "fit examples/Pr3plus-LaF3.par --observed examples/Pr3plus-LaF3-levels.txt --free "
+        "EAVG,F2,F4,F6,ZETA,ALPHA,BETA,GAMMA,M0,P2,B20,B22,B40,B42,B44,B60,B62,B64,B66 --cycles 3 --errors -o '" +
+        fitted.string() + "' --tables '" + test::commandTableDirectory().string() + "'");
+    ASSERT_EQ(result.exitCode, 0) << result.err;
+    std::string report = std::regex_replace(result.out, std::regex("time = [0-9.]+ ms"), "time = ... ms");
+    report = std::regex_replace(report, std::regex("Fitted parameters: .*"), "Fitted parameters: fitted.par");
+    expectGolden(report, "fit.txt");
+    expectGolden(test::slurp(fitted), "fit.par");
 }
 
 }  // namespace
