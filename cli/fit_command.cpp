@@ -19,6 +19,7 @@
 #include "core/log_book.hpp"
 #include "core/user_error.hpp"
 #include "engine/parameter_file.hpp"
+#include "fit/default_levels.hpp"
 #include "fit/fit_errors.hpp"
 #include "fit/fit_parameters.hpp"
 #include "fit/fit_session.hpp"
@@ -35,6 +36,8 @@ namespace {
 struct FitOptions {
     std::string file;
     std::string observed;
+    std::string grasp;
+    bool graspZero = false;
     std::vector<std::string> free, fix, link;
     int cycles = 1;
     bool ultimate = false;
@@ -86,6 +89,17 @@ std::filesystem::path defaultOutput(const std::string& file) {
     return path.parent_path() / (path.stem().string() + "_fit.par");
 }
 
+// --observed, or the default level list "defaulteng.txt" of the program's folder.
+std::filesystem::path observedLevelsPath(const FitOptions& options) {
+    if (!options.observed.empty()) return options.observed;
+    std::error_code error;
+    const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
+    if (const auto list = findDefaultLevelList(error ? std::filesystem::current_path() : program.parent_path()))
+        return *list;
+    throw UserError("Error in fitting",
+                    "No observed levels: give --observed FILE or --grasp FILE (no defaulteng.txt beside the program)");
+}
+
 FitWorkspace workspaceOf(const ParameterSet& set, const FitOptions& options) {
     FitWorkspace workspace;
     workspace.parameterFileName = std::filesystem::path(options.file).filename().string();
@@ -99,9 +113,14 @@ FitWorkspace workspaceOf(const ParameterSet& set, const FitOptions& options) {
             throw UserError("Error in fitting", "--link takes NAME=MASTER, not \"" + pair + "\"");
         setFitOption(workspace.parameters, trim(pair.substr(0, equals)), kFitOptionLinked, trim(pair.substr(equals + 1)));
     }
-    auto observed = readObservedLevelsFile(options.observed);
-    workspace.levels = std::move(observed.levels);
-    workspace.gFactors = std::move(observed.gFactors);
+    if (!options.grasp.empty()) {
+        CommandLineAsker asker(std::cerr, {}, {options.graspZero ? Choice::Yes : Choice::No});
+        workspace.levels = *askGraspObservedLevels(asker, options.grasp);
+    } else {
+        auto observed = readObservedLevelsFile(observedLevelsPath(options));
+        workspace.levels = std::move(observed.levels);
+        workspace.gFactors = std::move(observed.gFactors);
+    }
     auto& s = workspace.settings;
     s.scalingFactor = options.scale;
     s.autoMatch = options.autoMatch;
@@ -205,7 +224,12 @@ void addFitCommand(CLI::App& app) {
     auto* command = app.add_subcommand("fit", "Least-squares fit of a parameter file to observed levels");
     auto options = std::make_shared<FitOptions>();
     command->add_option("FILE", options->file, "parameter file (.par)")->required();
-    command->add_option("--observed", options->observed, "observed levels (docs/observed-levels-file.md)")->required();
+    auto* observed = command->add_option(
+        "--observed", options->observed,
+        "observed levels (docs/observed-levels-file.md); default: defaulteng.txt beside the program");
+    command->add_option("--grasp", options->grasp, "free-ion energies from a GRASP2K level listing as observed levels")
+        ->excludes(observed);
+    command->add_flag("--grasp-zero", options->graspZero, "the lowest GRASP2K energy becomes the zero of energy");
     command->add_option("--free", options->free, "parameters to fit (F2, ZETA, B43, ImB43, ...)")->delimiter(',');
     command->add_option("--fix", options->fix, "parameters to keep fixed")->delimiter(',');
     command->add_option("--link", options->link, "NAME=MASTER: NAME moves with MASTER by their ratio")->delimiter(',');

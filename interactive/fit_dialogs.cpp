@@ -1,5 +1,7 @@
 #include "interactive/fit_dialogs.hpp"
 
+#include "fit/grasp_energies.hpp"
+
 
 namespace orvane {
 
@@ -33,6 +35,23 @@ bool askFitSetting(FitSettings& settings, FitSettingId id, int levelsShown, Aske
         settings = changed;
         return true;
     }
+}
+
+std::optional<std::vector<ObservedLevel>> askGraspObservedLevels(Asker& asker, std::string fileName) {
+    if (fileName.empty()) {
+        const auto answer =
+            asker.askLine({"Give file name for free-ion energies as calculated from GRASP2K", "", ""});
+        if (!answer || answer->empty()) return std::nullopt;
+        fileName = *answer;
+    }
+    const auto levels = readGraspLevels(fileName);
+    const auto choice = asker.askChoice("Set zero energy", "Set zero for GRASP2k energies?", Buttons::YesNoCancel);
+    if (choice == Choice::Cancel) return std::nullopt;
+    std::vector<ObservedLevel> observed;
+    const auto energies = graspLevelEnergies(levels, choice == Choice::Yes);
+    for (std::size_t i = 0; i < energies.size(); ++i)
+        observed.push_back({static_cast<int>(i + 1), "", false, energies[i]});
+    return observed;
 }
 
 }  // namespace orvane
