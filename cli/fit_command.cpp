@@ -26,6 +26,7 @@
 #include "fit/fit_tables.hpp"
 #include "fit/observed_levels_file.hpp"
 #include "fit/ultimate_fit.hpp"
+#include "fit/workspace_functions.hpp"
 #include "interactive/command_line_asker.hpp"
 #include "interactive/fit_dialogs.hpp"
 #include "tables/table_directory.hpp"
@@ -55,6 +56,8 @@ struct FitOptions {
     double convergence = 0.01;
     int maxIterations = 30;
     bool yes = false;
+    bool functions = false;
+    std::string correlation;  // "", fix, free, internal, cf
 };
 
 // Break: the first SIGINT asks the fit to stop between cycles; a second one
@@ -121,6 +124,14 @@ FitWorkspace workspaceOf(const ParameterSet& set, const FitOptions& options) {
         workspace.levels = std::move(observed.levels);
         workspace.gFactors = std::move(observed.gFactors);
     }
+    if (!options.correlation.empty()) {
+        const auto handling = options.correlation == "free"       ? CorrelationFitHandling::FreeAll
+                              : options.correlation == "internal" ? CorrelationFitHandling::InternalLink
+                              : options.correlation == "cf"       ? CorrelationFitHandling::LinkWithCrystalField
+                                                                  : CorrelationFitHandling::FixAll;
+        workspace.settings.correlation = handling;
+        applyCorrelationHandling(workspace.parameters, handling);
+    }
     auto& s = workspace.settings;
     s.scalingFactor = options.scale;
     s.autoMatch = options.autoMatch;
@@ -175,6 +186,28 @@ void runUltimate(FitSession& session, const BreakHandler& breaks, LogBook& log) 
     const auto result = runUltimateFit(session, &gStopFit, onCycle);
     printLines(log, ultimateFitReport(result.decision, result.iterations, session.workspace().settings,
                                       std::chrono::system_clock::now()));
+    const auto status = result.decision.status;
+    if (status == UltimateFitStatus::Diverging || status == UltimateFitStatus::Oscillating ||
+        status == UltimateFitStatus::ConvergingSlowly) {
+        log.appendLine(kSeeLogbookForFailedFits);
+        printLines(log, failedFitParameterLines(session.workspace().parameters, result));
+    }
+}
+
+// The log-book functions of the workspace for the fitted parameters.
+void printFunctions(FitSession& session, LogBook& log) {
+    const auto parameters = session.currentParameters();
+    std::vector<double> energies;
+    ModelWorkspace workspace;
+    const auto solution = session.model().solve(parameters, {!session.model().setup().crystalField, false, kAllEigenvalues, {}, {}, false}, workspace);
+    if (session.model().setup().crystalField)
+        for (const auto& level : solution.levels) energies.push_back(level.energy);
+    else
+        for (const auto& level : solution.freeIon.levels) energies.push_back(level.energy);
+    printLines(log, energyAverageLines(energies));
+    if (session.model().setup().crystalField) printLines(log, crystalFieldInvariantLines(wybourneParametersOf(parameters)));
+    printLines(log, electrostaticStrengthLines(session.model().tables(), parameters));
+    printLines(log, orthonormalisedElectrostaticLines(session.model().tables(), parameters));
 }
 
 void fitParameterFile(const FitOptions& options) {
@@ -208,6 +241,7 @@ void fitParameterFile(const FitOptions& options) {
         printLines(log, fitErrorReport(session, errors, options.correlations));
     }
     const auto& result = session.workspace();
+    if (options.functions) printFunctions(session, log);
     printLines(log, parameterTableLines(result));
     printLines(log, levelTableLines(result));
     printLines(log, gFactorTableLines(result));
@@ -258,6 +292,13 @@ void addFitCommand(CLI::App& app) {
     command->add_option("--max-iterations", options->maxIterations, "Ultimate Fit: cycle limit, 0 none (default 30)")
         ->check(CLI::NonNegativeNumber);
     command->add_flag("--yes", options->yes, "answer yes to the questions before the fit");
+    command->add_flag("--functions", options->functions,
+                      "also print the average and SD of all energies, the crystal-field invariants, the "
+                      "electrostatic strength and the orthonormalised electrostatic parameters");
+    command->add_option("--ccf", options->correlation,
+                        "correlation crystal-field rows: fix, free, internal (linked to the first of their kind) or "
+                        "cf (linked to B(k,q))")
+        ->check(CLI::IsMember({"fix", "free", "internal", "cf"}));
     command->callback([options] {
         try {
             fitParameterFile(*options);

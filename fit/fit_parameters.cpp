@@ -135,6 +135,31 @@ void setFitOption(std::vector<FitParameter>& rows, std::string_view name, std::i
     }
 }
 
+void applyCorrelationHandling(std::vector<FitParameter>& rows, CorrelationFitHandling handling) {
+    std::vector<std::string> names;
+    for (const auto& row : rows) names.push_back(row.name);
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        const auto part = crystalFieldPartOf(rows[i].id);
+        if (!part || part->key.op == CrystalFieldOperator::Standard) continue;
+        std::string master;
+        if (handling == CorrelationFitHandling::InternalLink) {
+            for (std::size_t j = 0; j < i && master.empty(); ++j)
+                if (const auto other = crystalFieldPartOf(rows[j].id); other && other->key.op == part->key.op)
+                    master = names[j];
+        } else if (handling == CorrelationFitHandling::LinkWithCrystalField) {
+            const auto standard =
+                crystalFieldParameterId(CrystalFieldOperator::Standard, part->key.k, part->key.q, part->imaginary);
+            if (findFitParameter(rows, fitParameterName(standard))) master = fitParameterName(standard);
+        }
+        const bool free = handling == CorrelationFitHandling::FreeAll ||
+                          (handling == CorrelationFitHandling::InternalLink && master.empty());
+        if (!master.empty())
+            setFitOption(rows, names[i], kFitOptionLinked, master);
+        else
+            setFitOption(rows, names[i], free ? kFitOptionFree : kFitOptionFixed);
+    }
+}
+
 double linkRatioOf(const FitParameter& row, const FitParameter& master) {
     if (row.linkRatio) return *row.linkRatio;
     return master.initial != 0.0 ? row.initial / master.initial : 1.0;

@@ -48,6 +48,13 @@ const FitParameter* findFitParameter(const std::vector<FitParameter>& rows, std:
 // initial / master initial (1 when the master's initial value is 0).
 double linkRatioOf(const FitParameter& row, const FitParameter& master);
 
+// The correlation crystal-field rows under a handling chosen in the options
+// menu (applied when it is chosen): fixed; free; linked to the first
+// correlation row of the same operator ("Internal link"); linked to B(k,q)
+// of the same k, q and part ("Link CCF parameters with CF parameters"; fixed
+// where the set has no such B(k,q)). Links keep the ratio of initial values.
+void applyCorrelationHandling(std::vector<FitParameter>& rows, CorrelationFitHandling handling);
+
 // The engine's parameters: `base` with every row's Final_fit.
 ParameterVector fitParameterVector(const ParameterVector& base, const std::vector<FitParameter>& rows);
 

@@ -144,6 +144,21 @@ std::vector<LabelColour> diagnosisColours(const std::vector<ObservedLevel>& leve
     return colours;
 }
 
+std::vector<std::string> failedFitParameterLines(const std::vector<FitParameter>& rows,
+                                                 const UltimateFitResult& result, std::size_t count) {
+    const auto& history = result.parameterHistory;
+    const std::size_t first = history.size() > count ? history.size() - count : 0;
+    std::string heading = fmt::format("{:<12}", "Parameter");
+    for (std::size_t c = first; c < history.size(); ++c) heading += fmt::format("{:>14}", fmt::format("Fit {}", c + 1));
+    std::vector<std::string> lines{heading};
+    for (std::size_t r = 0; r < rows.size(); ++r) {
+        std::string line = fmt::format("{:<12}", rows[r].name);
+        for (std::size_t c = first; c < history.size(); ++c) line += fmt::format("{:>14.4f}", history[c][r]);
+        lines.push_back(std::move(line));
+    }
+    return lines;
+}
+
 UltimateFitResult runUltimateFit(FitSession& session, const std::atomic<bool>* stop,
                                  const std::function<void(const FitCycleReport&)>& onCycle) {
     UltimateFitResult result;

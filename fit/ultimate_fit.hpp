@@ -68,6 +68,14 @@ struct UltimateFitResult {
 // Runs the series on the session: `onCycle` sees each cycle's report; a set
 // `stop` flag ends the series between cycles ("Break", Ctrl-C) and the best
 // parameters seen are put back. Colours the level table of a failing series.
+inline constexpr const char* kSeeLogbookForFailedFits =
+    "See Logbook for parameter values and remdial actions after this unsuccessful round of fits.";
+
+// The Final_fit values of the last `count` cycles of a series, one column per
+// cycle ("Show values of parameters of those fits?").
+std::vector<std::string> failedFitParameterLines(const std::vector<FitParameter>& rows,
+                                                 const UltimateFitResult& result, std::size_t count = 5);
+
 UltimateFitResult runUltimateFit(FitSession& session, const std::atomic<bool>* stop,
                                  const std::function<void(const FitCycleReport&)>& onCycle);
 
