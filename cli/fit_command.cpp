@@ -15,6 +15,7 @@
 
 #include "cli/commands.hpp"
 #include "cli/exit_code.hpp"
+#include "cli/property_run.hpp"
 #include "core/atomic_file.hpp"
 #include "core/log_book.hpp"
 #include "core/user_error.hpp"
@@ -299,18 +300,7 @@ void addFitCommand(CLI::App& app) {
                         "correlation crystal-field rows: fix, free, internal (linked to the first of their kind) or "
                         "cf (linked to B(k,q))")
         ->check(CLI::IsMember({"fix", "free", "internal", "cf"}));
-    command->callback([options] {
-        try {
-            fitParameterFile(*options);
-            setExitCode(kExitOk);
-        } catch (const UserError& error) {
-            std::cerr << error.title() << ": " << error.describe() << '\n';
-            setExitCode(kExitFailure);
-        } catch (const std::exception& error) {
-            std::cerr << "Error in fitting: " << error.what() << '\n';
-            setExitCode(kExitFailure);
-        }
-    });
+    command->callback([options] { runPropertyCommand([&] { fitParameterFile(*options); }); });
 }
 
 }  // namespace orvane::cli

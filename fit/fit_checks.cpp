@@ -93,30 +93,28 @@ void checkCounts(const FitWorkspace& workspace, FitCheckOutcome& outcome) {
         freeMagnetic += isMagnetic(row.id) ? 1 : 0;
     }
     const auto counts = countObservations(workspace.levels);
-    if (counts.energies < freeCount) {
-        outcome.messages.push_back(fmt::format(
-            "Just {} observed energies are not good enough to fit for {} free parameters!", counts.energies, freeCount));
-        outcome.messages.push_back(">>Need to fix some free parameters by setting their Option to 0 or -1.");
-        outcome.countWarnings = true;
-    }
-    if (counts.terms < freeElectrostatic) {
-        outcome.messages.push_back(fmt::format(
-            "{} different observed terms are not good enough to fit for {} electrostatic interaction (including 2 "
-            "and 3-particle configuration interaction) parameters!",
-            counts.terms, freeElectrostatic));
-        outcome.messages.push_back(
-            ">>Need to fix some free parameters for electrostatic interactions (F^k, alpha, beta, gamma, Ti) by "
-            "setting their Option to 0 or -1.");
-        outcome.countWarnings = true;
-    }
-    if (counts.multiplets < freeMagnetic) {
-        outcome.messages.push_back(fmt::format(
-            "{} different observed J-multiplets are not good enough to fit for {} intra-atomic magnetic interaction "
-            "parameters!",
-            counts.multiplets, freeMagnetic));
-        outcome.messages.push_back(
-            ">>Need to fix some free parameters for intra-atomic interaction (zeta, Mk and Pk) by setting their "
-            "Option to 0 or -1.");
+    const struct {
+        int observed, free;
+        const char* shortage;
+        const char* advice;
+    } checks[] = {
+        {counts.energies, freeCount, "Just {} observed energies are not good enough to fit for {} free parameters!",
+         ">>Need to fix some free parameters by setting their Option to 0 or -1."},
+        {counts.terms, freeElectrostatic,
+         "{} different observed terms are not good enough to fit for {} electrostatic interaction (including 2 and "
+         "3-particle configuration interaction) parameters!",
+         ">>Need to fix some free parameters for electrostatic interactions (F^k, alpha, beta, gamma, Ti) by setting "
+         "their Option to 0 or -1."},
+        {counts.multiplets, freeMagnetic,
+         "{} different observed J-multiplets are not good enough to fit for {} intra-atomic magnetic interaction "
+         "parameters!",
+         ">>Need to fix some free parameters for intra-atomic interaction (zeta, Mk and Pk) by setting their Option "
+         "to 0 or -1."},
+    };
+    for (const auto& check : checks) {
+        if (check.observed >= check.free) continue;
+        outcome.messages.push_back(fmt::format(fmt::runtime(check.shortage), check.observed, check.free));
+        outcome.messages.push_back(check.advice);
         outcome.countWarnings = true;
     }
 }
