@@ -52,19 +52,6 @@ std::string fitParameterName(ParameterId id) {
     return info ? compactName(info->name) : fmt::format("#{}", id);
 }
 
-std::optional<ParameterId> fitParameterIdOf(std::string_view name) {
-    for (const auto& info : freeIonParameters())
-        if (info.name == name) return info.id;
-    for (int op = 0; op < 5; ++op)
-        for (int imaginary = 0; imaginary < 2; ++imaginary)
-            for (int k = 2; k <= kMaxCrystalFieldRank; k += 2)
-                for (int q = imaginary; q <= k && q <= 9; ++q) {
-                    const auto id = 1000 + 1000 * op + 100 * imaginary + 10 * k + q;
-                    if (k <= 6 && parameterInfo(id) && fitParameterName(id) == name) return id;
-                }
-    return std::nullopt;
-}
-
 std::optional<std::string> fitRefusal(const ParameterSet& set) {
     if (set.slaterType != SlaterType::SlaterFUpper)
         return "The fit works on Slater F^k parameters (type = 3); convert the electrostatic parameters first.";

@@ -23,7 +23,6 @@
 namespace orvane {
 
 std::string fitParameterName(ParameterId id);
-std::optional<ParameterId> fitParameterIdOf(std::string_view name);
 
 // Why a fit cannot work on this set (std::nullopt: it can).
 std::optional<std::string> fitRefusal(const ParameterSet& set);

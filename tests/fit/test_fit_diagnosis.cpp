@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "fit/fit_checks.hpp"
+#include "fit/fit_settings.hpp"
 #include "fit/ultimate_fit.hpp"
 
 namespace orvane {
@@ -125,6 +126,50 @@ TEST(FitChecks, RefuseOrWarnBeforeACycle) {
             EXPECT_TRUE(outcome.messages.empty()) << c.what;
         }
     }
+}
+
+}  // namespace
+}  // namespace orvane
+
+namespace orvane {
+namespace {
+
+// Each setting's accepted range: an answer outside it is refused with
+// "Invalid input" and leaves the settings as they were.
+TEST(FitSettingsPrompts, AcceptOrRefuseAnswers) {
+    const struct {
+        FitSettingId id;
+        const char* answer;
+        bool accepted;
+    } cases[] = {
+        {FitSettingId::MaxIterations, "0", true},      {FitSettingId::MaxIterations, "-1", false},
+        {FitSettingId::MaxIterations, "2.5", false},   {FitSettingId::ScalingFactor, "0.3", true},
+        {FitSettingId::ScalingFactor, "0", false},     {FitSettingId::ScalingFactor, "nan", false},
+        {FitSettingId::GWeight, "0", true},            {FitSettingId::GWeight, "-0.1", false},
+        {FitSettingId::MaxLevels, "0", true},          {FitSettingId::MaxLevels, "abc", false},
+        {FitSettingId::ConvergenceLimit, "0", false},  {FitSettingId::NearMatchPercent, "100", true},
+        {FitSettingId::NearMatchPercent, "101", false}, {FitSettingId::MinorStateRatio, "1", true},
+        {FitSettingId::MinorStateRatio, "0", false},   {FitSettingId::LabelWeights, "100 50 10", true},
+        {FitSettingId::LabelWeights, "100 50", false}, {FitSettingId::PropertyAccuracy, "4", true},
+        {FitSettingId::PropertyAccuracy, "1E-5", true}, {FitSettingId::PropertyAccuracy, "2.5", false},
+    };
+    for (const auto& c : cases) {
+        FitSettings settings;
+        const FitSettings before = settings;
+        const auto refusal = applyFitSetting(settings, c.id, c.answer);
+        EXPECT_EQ(!refusal.has_value(), c.accepted) << fitSettingPrompt(c.id).prompt << " " << c.answer;
+        if (refusal) {
+            EXPECT_EQ(*refusal, "Invalid input");
+            EXPECT_EQ(fitSettingText(settings, c.id), fitSettingText(before, c.id));
+        }
+    }
+    FitSettings settings;
+    ASSERT_FALSE(applyFitSetting(settings, FitSettingId::MaxIterations, "0"));
+    EXPECT_EQ(fitSettingText(settings, FitSettingId::MaxIterations), "Infinity");
+    ASSERT_FALSE(applyFitSetting(settings, FitSettingId::PropertyAccuracy, "4"));
+    EXPECT_DOUBLE_EQ(settings.propertyAccuracy, 1e-4);
+    EXPECT_TRUE(dropsShownLevels(100, 150));
+    EXPECT_FALSE(dropsShownLevels(0, 150));
 }
 
 }  // namespace
