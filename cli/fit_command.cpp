@@ -58,6 +58,8 @@ struct FitOptions {
     int maxIterations = 30;
     bool yes = false;
     bool functions = false;
+    std::string errorMethod = "discrepancies";
+    double energyError = 1.0;
     std::string correlation;  // "", fix, free, internal, cf
 };
 
@@ -135,6 +137,9 @@ FitWorkspace workspaceOf(const ParameterSet& set, const FitOptions& options) {
     }
     auto& s = workspace.settings;
     s.scalingFactor = options.scale;
+    s.errorMethod = options.errorMethod == "experimental" ? FitErrorMethod::ExperimentalErrors
+                                                           : FitErrorMethod::Discrepancies;
+    s.observedEnergyError = options.energyError;
     s.autoMatch = options.autoMatch;
     s.computeFitErrors = options.errors || options.correlations;
     s.maxLevels = options.maxLevels;
@@ -293,6 +298,13 @@ void addFitCommand(CLI::App& app) {
     command->add_option("--max-iterations", options->maxIterations, "Ultimate Fit: cycle limit, 0 none (default 30)")
         ->check(CLI::NonNegativeNumber);
     command->add_flag("--yes", options->yes, "answer yes to the questions before the fit");
+    command->add_option("--error-method", options->errorMethod,
+                        "errors from the discrepancies (S.E., default) or from --energy-error (experimental)")
+        ->check(CLI::IsMember({"discrepancies", "experimental"}));
+    command->add_option("--energy-error", options->energyError,
+                        "uncertainty of each observed energy, for \"Error (based on input)\" (default 1)")
+        ->check(kFiniteNumber)
+        ->check(CLI::PositiveNumber);
     command->add_flag("--functions", options->functions,
                       "also print the average and SD of all energies, the crystal-field invariants, the "
                       "electrostatic strength and the orthonormalised electrostatic parameters");
