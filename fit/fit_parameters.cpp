@@ -8,6 +8,7 @@
 #include "core/user_error.hpp"
 #include "engine/crystal_field_parameters.hpp"
 #include "engine/other_free_ion.hpp"
+#include "fit/fit_checks.hpp"
 
 namespace orvane {
 namespace {
@@ -150,6 +151,30 @@ void applyCorrelationHandling(std::vector<FitParameter>& rows, CorrelationFitHan
 double linkRatioOf(const FitParameter& row, const FitParameter& master) {
     if (row.linkRatio) return *row.linkRatio;
     return master.initial != 0.0 ? row.initial / master.initial : 1.0;
+}
+
+std::vector<LinkFollower> linkFollowers(const std::vector<FitParameter>& rows) {
+    std::vector<LinkFollower> followers;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        if (rows[i].option != kFitOptionLinked) continue;
+        const int master = linkMasterIndex(rows, i);
+        if (master < 0) continue;
+        double ratio = 1.0;
+        for (std::size_t current = i; static_cast<int>(current) != master;) {
+            std::size_t next = 0;
+            while (rows[next].name != rows[current].linkedTo) ++next;
+            ratio *= linkRatioOf(rows[current], rows[next]);
+            current = next;
+        }
+        followers.push_back({static_cast<int>(i), master, ratio});
+    }
+    return followers;
+}
+
+void applyLinkFollowers(const std::vector<LinkFollower>& followers, std::vector<FitParameter>& rows) {
+    for (const auto& follower : followers)
+        rows[static_cast<std::size_t>(follower.row)].finalFit =
+            follower.ratio * rows[static_cast<std::size_t>(follower.master)].finalFit;
 }
 
 ParameterVector fitParameterVector(const ParameterVector& base, const std::vector<FitParameter>& rows) {

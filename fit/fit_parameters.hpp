@@ -54,6 +54,17 @@ double linkRatioOf(const FitParameter& row, const FitParameter& master);
 // where the set has no such B(k,q)). Links keep the ratio of initial values.
 void applyCorrelationHandling(std::vector<FitParameter>& rows, CorrelationFitHandling handling);
 
+// A linked row and the row it finally follows (through chains of links), with
+// the product of the ratios on the way.
+struct LinkFollower {
+    int row = 0;
+    int master = 0;
+    double ratio = 1.0;
+};
+std::vector<LinkFollower> linkFollowers(const std::vector<FitParameter>& rows);
+// Sets every follower's Final_fit from its master's.
+void applyLinkFollowers(const std::vector<LinkFollower>& followers, std::vector<FitParameter>& rows);
+
 // The engine's parameters: `base` with every row's Final_fit.
 ParameterVector fitParameterVector(const ParameterVector& base, const std::vector<FitParameter>& rows);
 

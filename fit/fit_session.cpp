@@ -72,22 +72,9 @@ FitSession::FitSession(const ParameterSet& set, FitWorkspace workspace, std::sha
 void FitSession::prepareColumns() {
     const auto& rows = workspace_.parameters;
     freeRows_.clear();
-    followers_.clear();
     for (std::size_t i = 0; i < rows.size(); ++i)
         if (effectiveOption(rows[i], workspace_.settings.scope) == kFitOptionFree) freeRows_.push_back(static_cast<int>(i));
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        if (rows[i].option != kFitOptionLinked) continue;
-        const int master = linkMasterIndex(rows, i);
-        if (master < 0) continue;
-        double ratio = 1.0;
-        for (std::size_t current = i; static_cast<int>(current) != master;) {
-            std::size_t next = 0;
-            while (rows[next].name != rows[current].linkedTo) ++next;
-            ratio *= linkRatioOf(rows[current], rows[next]);
-            current = next;
-        }
-        followers_.push_back({static_cast<int>(i), master, ratio});
-    }
+    followers_ = linkFollowers(rows);
     std::set<ParameterId> ids;
     for (const int row : freeRows_) ids.insert(rows[static_cast<std::size_t>(row)].id);
     for (const auto& follower : followers_)
@@ -96,11 +83,7 @@ void FitSession::prepareColumns() {
     derivativeIds_.assign(ids.begin(), ids.end());
 }
 
-void FitSession::applyFollowers(std::vector<FitParameter>& rows) const {
-    for (const auto& follower : followers_)
-        rows[static_cast<std::size_t>(follower.row)].finalFit =
-            follower.ratio * rows[static_cast<std::size_t>(follower.master)].finalFit;
-}
+void FitSession::applyFollowers(std::vector<FitParameter>& rows) const { applyLinkFollowers(followers_, rows); }
 
 ParameterVector FitSession::currentParameters() const { return fitParameterVector(base_, workspace_.parameters); }
 

@@ -34,6 +34,7 @@
 #include "engine/model.hpp"
 #include "engine/parameter_set.hpp"
 #include "fit/calculated_labels.hpp"
+#include "fit/fit_parameters.hpp"
 #include "fit/fit_workspace.hpp"
 #include "fit/least_squares_step.hpp"
 
@@ -103,19 +104,13 @@ public:
     int cyclesRun() const { return cycles_; }
 
 private:
-    struct Follower {
-        int row = 0;
-        int master = 0;  // row index
-        double ratio = 1.0;
-    };
-
     ParameterSet set_;
     FitWorkspace workspace_;
     std::shared_ptr<const Model> model_;
     ModelWorkspace solveWorkspace_;
     ParameterVector base_;
     std::vector<int> freeRows_;
-    std::vector<Follower> followers_;
+    std::vector<LinkFollower> followers_;
     std::vector<ParameterId> derivativeIds_;
     FitEvaluation evaluation_;
     double damping_ = 1e-3;
