@@ -35,5 +35,6 @@ void addBatchCommand(CLI::App& app);    // orvane batch LIST
 // orvane states|gfactors|moments|chi|intensities|jo-fit FILE.par
 void addPropertyCommands(CLI::App& app);
 void addFitCommand(CLI::App& app);  // orvane fit FILE.par --observed LEVELS
+void addDECommand(CLI::App& app);   // orvane de FILE.par --observed LEVELS --bounds BOUNDS
 
 }  // namespace orvane::cli

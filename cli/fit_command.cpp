@@ -5,7 +5,6 @@
 // section) and, with --csv, the level table. Ctrl-C stops between cycles and
 // keeps the best parameters seen.
 #include <atomic>
-#include <csignal>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -13,14 +12,15 @@
 
 #include <fmt/format.h>
 
+#include "cli/break_request.hpp"
 #include "cli/commands.hpp"
 #include "cli/exit_code.hpp"
+#include "cli/fit_inputs.hpp"
 #include "cli/property_run.hpp"
 #include "core/atomic_file.hpp"
 #include "core/log_book.hpp"
 #include "core/user_error.hpp"
 #include "engine/parameter_file.hpp"
-#include "fit/default_levels.hpp"
 #include "fit/fit_errors.hpp"
 #include "fit/fit_parameters.hpp"
 #include "fit/fit_session.hpp"
@@ -63,53 +63,12 @@ struct FitOptions {
     std::string correlation;  // "", fix, free, internal, cf
 };
 
-// Break: the first SIGINT asks the fit to stop between cycles; a second one
-// ends the program as before the fit.
-volatile std::sig_atomic_t gBreakRequested = 0;
 std::atomic<bool> gStopFit{false};
-extern "C" void requestBreak(int) {
-    if (gBreakRequested) std::_Exit(130);
-    gBreakRequested = 1;
-}
-
-struct BreakHandler {
-    using Handler = void (*)(int);
-    Handler previous;
-    BreakHandler() : previous(std::signal(SIGINT, requestBreak)) {}
-    ~BreakHandler() { std::signal(SIGINT, previous); }
-    bool requested() const { return gBreakRequested != 0; }
-};
-
-FitKind kindOf(const FitOptions& options) {
-    return options.freeIon ? FitKind::FreeIon : options.complex ? FitKind::ComplexCrystalField : FitKind::RealCrystalField;
-}
-
-bool hasImaginaryCrystalField(const ParameterSet& set) {
-    for (const auto& row : set.crystalField)
-        if (row.im.value != 0.0) return true;
-    return false;
-}
-
-std::filesystem::path defaultOutput(const std::string& file) {
-    std::filesystem::path path(file);
-    return path.parent_path() / (path.stem().string() + "_fit.par");
-}
-
-// --observed, or the default level list "defaulteng.txt" of the program's folder.
-std::filesystem::path observedLevelsPath(const FitOptions& options) {
-    if (!options.observed.empty()) return options.observed;
-    std::error_code error;
-    const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
-    if (const auto list = findDefaultLevelList(error ? std::filesystem::current_path() : program.parent_path()))
-        return *list;
-    throw UserError("Error in fitting",
-                    "No observed levels: give --observed FILE or --grasp FILE (no defaulteng.txt beside the program)");
-}
 
 FitWorkspace workspaceOf(const ParameterSet& set, const FitOptions& options) {
     FitWorkspace workspace;
     workspace.parameterFileName = std::filesystem::path(options.file).filename().string();
-    workspace.kind = kindOf(options);
+    workspace.kind = fitKindOf(options.freeIon, options.complex);
     workspace.parameters = fitParameterRows(set, workspace.kind);
     for (const auto& name : options.free) setFitOption(workspace.parameters, trim(name), kFitOptionFree);
     for (const auto& name : options.fix) setFitOption(workspace.parameters, trim(name), kFitOptionFixed);
@@ -123,7 +82,7 @@ FitWorkspace workspaceOf(const ParameterSet& set, const FitOptions& options) {
         CommandLineAsker asker(std::cerr, {}, {options.graspZero ? Choice::Yes : Choice::No});
         workspace.levels = *askGraspObservedLevels(asker, options.grasp);
     } else {
-        auto observed = readObservedLevelsFile(observedLevelsPath(options));
+        auto observed = readObservedLevelsFile(observedLevelsPath(options.observed));
         workspace.levels = std::move(observed.levels);
         workspace.gFactors = std::move(observed.gFactors);
     }
@@ -159,7 +118,7 @@ void printCycle(LogBook& log, const FitCycleReport& report, bool& advised) {
 }
 
 // Cycles until --cycles are done or Break; the best parameters seen are kept.
-void runCycles(FitSession& session, int cycles, const BreakHandler& breaks, LogBook& log) {
+void runCycles(FitSession& session, int cycles, const BreakRequest& breaks, LogBook& log) {
     auto best = session.workspace().parameters;
     double bestRms = session.workspace().rmsDeviation;
     bool advised = false;
@@ -181,7 +140,7 @@ void runCycles(FitSession& session, int cycles, const BreakHandler& breaks, LogB
     }
 }
 
-void runUltimate(FitSession& session, const BreakHandler& breaks, LogBook& log) {
+void runUltimate(FitSession& session, const BreakRequest& breaks, LogBook& log) {
     bool advised = false;
     // The series reads its stop flag between cycles; it follows the signal's flag.
     auto onCycle = [&](const FitCycleReport& report) {
@@ -233,7 +192,7 @@ void fitParameterFile(const FitOptions& options) {
     log.appendLine(fmt::format("Start: RMS Dev. = {:.4f}, S.E. = {:.4f}", session.workspace().rmsDeviation,
                                session.workspace().standardError));
     {
-        BreakHandler breaks;
+        BreakRequest breaks;
         if (options.eavOnly)
             printLines(log, session.fitEavOnly());
         else if (options.ultimate)
@@ -252,7 +211,7 @@ void fitParameterFile(const FitOptions& options) {
     printLines(log, levelTableLines(result));
     printLines(log, gFactorTableLines(result));
     printLines(log, rmsLines(result));
-    const auto output = options.output.empty() ? defaultOutput(options.file) : std::filesystem::path(options.output);
+    const auto output = options.output.empty() ? besideInput(options.file, "_fit") : std::filesystem::path(options.output);
     writeParameterFile(output, withFittedValues(set, result.parameters));
     log.appendLine("Fitted parameters: " + output.string());
     if (!options.csv.empty()) writeFileAtomically(options.csv, levelTableCsv(result));

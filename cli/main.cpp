@@ -24,6 +24,7 @@ int main(int argc, char** argv) {
     orvane::cli::addBatchCommand(app);
     orvane::cli::addPropertyCommands(app);
     orvane::cli::addFitCommand(app);
+    orvane::cli::addDECommand(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
