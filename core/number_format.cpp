@@ -1,5 +1,7 @@
 #include "core/number_format.hpp"
 
+#include "core/local_time.hpp"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -461,11 +463,6 @@ std::string formatTime(const std::tm& time) {
     return twoDigits(time.tm_hour) + ":" + twoDigits(time.tm_min) + ":" + twoDigits(time.tm_sec);
 }
 
-std::tm localNow() {
-    const std::time_t now = std::time(nullptr);
-    std::tm result{};
-    localtime_r(&now, &result);
-    return result;
-}
+std::tm localNow() { return localTime(std::chrono::system_clock::now()); }
 
 }  // namespace orvane

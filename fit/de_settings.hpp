@@ -1,8 +1,10 @@
 #pragma once
 // Differential evolution: the parameter rows, the settings with their
-// refusals, and the log book's header and footer (docs/fitting.md,
-// "Differential evolution").
+// refusals, the log book's header and footer and the bounds file
+// (docs/differential-evolution.md).
 #include <chrono>
+#include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -39,6 +41,7 @@ struct DESettings {
     DELevelMatching matching = DELevelMatching::Fixed;
     bool polish = false;       // NLS: a least-squares fit of the best set
     double gWeight = 0.0;      // g-factors relative to energies; 0 automatic
+    friend bool operator==(const DESettings&, const DESettings&) = default;
 };
 
 enum class DESettingId { Parents, F, Cr, Lambda, Sd, Err, MaxIterations, GWeight };
@@ -54,7 +57,12 @@ enum class DESettingId { Parents, F, Cr, Lambda, Sd, Err, MaxIterations, GWeight
 //   Max Iteration "Positive value of Max Iteration is needed!"
 //   gWeight "Invalid input for the weighting of fitting g-factors with energies!"
 // A text that is no number at all: "Error in setting Differential Evolution parameter".
+// NP and Max Iteration take whole numbers only ("40", not "40.0").
+inline constexpr const char* kDESettingErrorText = "Error in setting Differential Evolution parameter";
 std::optional<std::string> applyDESetting(DESettings& settings, DESettingId id, std::string_view text);
+
+// The current value of a setting (the answer a dialog offers).
+double deSettingValue(const DESettings& settings, DESettingId id);
 
 // The same checks on a whole set of settings (the first refusal, if any).
 std::optional<std::string> deSettingsProblem(const DESettings& settings);
@@ -96,6 +104,10 @@ struct DEBound {
     double lower = 0.0;
     double upper = 0.0;
 };
+// One row per free parameter: a few tens; larger files are refused unread,
+// more rows at the first row beyond the limit.
+inline constexpr std::uintmax_t kMaxDEBoundsFileBytes = 1u << 20;
+inline constexpr std::size_t kDEBoundsRowLimit = 1000;
 std::vector<DEBound> parseDEBounds(std::string_view text, const std::string& fileNameForMessages);
 std::vector<DEBound> readDEBoundsFile(const std::string& path);
 

@@ -1,24 +1,17 @@
 #include "fit/ultimate_fit.hpp"
 
 #include <cmath>
-#include <ctime>
 
 #include <fmt/format.h>
+
+#include "core/local_time.hpp"
+#include "core/number_format.hpp"
 
 namespace orvane {
 namespace {
 
 // R(n) > 1.1 R(n-1), with room for the rounding of 1.1 x R.
 bool risesByMoreThanTenPercent(double later, double earlier) { return later > 1.1 * earlier * (1.0 + 1e-12); }
-
-std::string clockText(std::chrono::system_clock::time_point when, const char* format) {
-    const std::time_t t = std::chrono::system_clock::to_time_t(when);
-    std::tm local{};
-    localtime_r(&t, &local);
-    char buffer[32];
-    std::strftime(buffer, sizeof buffer, format, &local);
-    return buffer;
-}
 
 void appendDivergingAdvice(std::vector<std::string>& lines) {
     lines.insert(lines.end(),
@@ -92,10 +85,11 @@ UltimateFitDecision ultimateFitDecision(const std::vector<double>& history,
 std::vector<std::string> ultimateFitReport(const UltimateFitDecision& decision, int iterations,
                                            const FitSettings& settings, std::chrono::system_clock::time_point when) {
     std::vector<std::string> lines;
-    const std::string time = clockText(when, "%H:%M:%S");
+    const std::tm local = localTime(when);
+    const std::string time = formatTime(local);
     if (decision.status == UltimateFitStatus::Success) {
         lines.push_back(fmt::format("*** Ultimate fit successfully completed after {} iterations at {} on {}",
-                                    iterations, time, clockText(when, "%Y-%m-%d")));
+                                    iterations, time, formatDate(local)));
         return lines;
     }
     if (decision.iterationLimitReached || decision.status == UltimateFitStatus::Stopped)
