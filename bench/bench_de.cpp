@@ -44,8 +44,9 @@ const Case& prepared(ParameterSet (*ion)()) {
     MemoryLogBook log;
     c.model = std::make_shared<const Model>(Model::build(modelSetupOf(c.set, true, false), benchTableDirectory(), log));
     for (const auto& row : fitParameterRows(c.set, FitKind::RealCrystalField)) {
-        if (row.name != "F2" && row.name != "F4" && row.name != "F6" && row.name != "ZETA" && row.name[0] != 'B') continue;
-        const double half = row.name[0] == 'B' ? 300.0 : 0.3 * std::abs(row.initial);
+        const bool crystalField = crystalFieldPartOf(row.id).has_value();
+        if (!crystalField && row.name != "F2" && row.name != "F4" && row.name != "F6" && row.name != "ZETA") continue;
+        const double half = crystalField ? 300.0 : 0.3 * std::abs(row.initial);
         c.boxes.push_back({row.name, row.initial, row.initial - half, row.initial + half, false});
     }
     int states = 0;

@@ -8,6 +8,7 @@
 
 #include <fmt/format.h>
 
+#include "core/blas_threads.hpp"
 #include "core/user_error.hpp"
 
 namespace orvane {
@@ -221,6 +222,7 @@ DEResult runDifferentialEvolution(const std::vector<DEParameter>& parameters, co
     }
     if (freeIndex.empty()) throw UserError(kSettingError, "No parameter has a range to search");
     std::vector<ModelWorkspace> workspaces(static_cast<std::size_t>(std::max(1, options.threads)));
+    const SingleThreadedBlas blas;  // our threads share the cores, not OpenBLAS's
     const int np = settings.parents;
     Population population;
     for (int i = 0; i < np; ++i) {
