@@ -3,6 +3,7 @@
 // on every core; optionally the superposition model over a ligand file, and a
 // least-squares polish of the best set. Writes the best set as a parameter
 // file (default FILE_de.par) and, with --csv, the history of the generations.
+#include <algorithm>
 #include <cmath>
 #include <iostream>
 #include <memory>
@@ -111,6 +112,11 @@ void runDE(DEOptionsOnLine o) {
     const auto parameters = deParameters(readDEBoundsFile(o.bounds), rows);
     auto levels = readObservedLevelsFile(observedLevelsPath(o.observed)).levels;
     auto superposition = superpositionOf(o);
+    const bool intrinsicGiven = std::any_of(parameters.begin(), parameters.end(),
+                                            [](const DEParameter& p) { return p.name.rfind("Abar", 0) == 0; });
+    if (superposition && !intrinsicGiven)
+        throw UserError("Error in setting Differential Evolution parameter",
+                        "You need to provide Superposition Model parameters and ligand positions");
     if (o.settings.polish && superposition)
         throw UserError("Error in setting Differential Evolution parameter",
                         "The least-squares polish varies free-ion and crystal-field parameters, not the superposition "

@@ -100,6 +100,15 @@ TEST(DifferentialEvolution, SameHistoryWithOneAndTwoThreads) {
         EXPECT_EQ(runs[0].history[g].best, runs[1].history[g].best) << g;
         EXPECT_EQ(runs[0].history[g].updates, runs[1].history[g].updates) << g;
     }
+    // A break after generation 3 ends the search there with that generation's best set.
+    std::atomic<bool> stop{false};
+    const auto interrupted = runDifferentialEvolution(
+        boxes, settings, deviation, {7, 2, &stop, [&](const DEGeneration& g) { stop.store(g.iteration == 3); }});
+    EXPECT_EQ(interrupted.stop, DEStop::Interrupted);
+    EXPECT_EQ(interrupted.history.size(), 4u);
+    EXPECT_EQ(interrupted.bestDeviation, runs[0].history[3].best);
+    ModelWorkspace workspace;
+    EXPECT_NEAR(deviation.deviation(interrupted.best, workspace), interrupted.bestDeviation, 1e-9);
 }
 
 }  // namespace
