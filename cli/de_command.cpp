@@ -110,7 +110,8 @@ void runDE(DEOptionsOnLine o) {
     const auto kind = fitKindOf(o.freeIon, o.complex);
     const auto rows = fitParameterRows(set, kind);
     const auto parameters = deParameters(readDEBoundsFile(o.bounds), rows);
-    auto levels = readObservedLevelsFile(observedLevelsPath(o.observed)).levels;
+    auto observed = readObservedLevelsFile(observedLevelsPath(o.observed));
+    const auto& levels = observed.levels;
     auto superposition = superpositionOf(o);
     const bool intrinsicGiven = std::any_of(parameters.begin(), parameters.end(),
                                             [](const DEParameter& p) { return p.name.rfind("Abar", 0) == 0; });
@@ -129,7 +130,8 @@ void runDE(DEOptionsOnLine o) {
     auto model = std::make_shared<const Model>(Model::build(modelSetupOf(set, kind != FitKind::FreeIon,
                                                                          kind == FitKind::ComplexCrystalField),
                                                             tables, log));
-    const LevelDeviation objective(model, set, kind, parameters, levels, o.settings.matching, superposition);
+    const LevelDeviation objective(model, set, kind, parameters, levels, o.settings.matching, superposition,
+                                   observed.gFactors, o.settings.gWeight);
     DEOptions options;
     options.seed = o.seed.value_or(clockSeed());
     options.threads = o.threads > 0 ? o.threads : static_cast<int>(std::max(1u, std::thread::hardware_concurrency()));
@@ -168,9 +170,8 @@ void runDE(DEOptionsOnLine o) {
                                result.evaluations));
     for (std::size_t p = 0; p < parameters.size(); ++p)
         log.appendLine(fmt::format("{:<12}{:>14.4f}", parameters[p].name, result.best[p]));
-    DEFinalDeviations deviations;
-    deviations.rms = result.bestDeviation;
-    for (const auto& line : deFooterLines(deviations, std::chrono::system_clock::now())) log.appendLine(line);
+    for (const auto& line : deFooterLines(objective.finalDeviations(result.best), std::chrono::system_clock::now()))
+        log.appendLine(line);
     auto bestRows = objective.rowsOf(result.best);
     if (o.settings.polish) bestRows = polish(set, bestRows, parameters, levels, kind, tables, log);
     log.appendLine("Final Results");
@@ -207,6 +208,8 @@ void addDECommand(CLI::App& app) {
         ->check(kFiniteNumber);
     command->add_option("--seed", o->seed, "random seed: the same seed gives the same run (default: the clock)");
     command->add_option("--threads", o->threads, "threads (default: every core)")->check(CLI::NonNegativeNumber);
+    command->add_option("--gweight", o->settings.gWeight, "weight of observed g-factors (0: automatic, the default)")
+        ->check(kFiniteNumber);
     command->add_flag("--polish", o->settings.polish, "least-squares fit of the best set (Incorporate NLS fit)");
     command->add_flag("--automatch", o->autoMatch, "match levels by energy instead of by their state numbers");
     command->add_option("-o,--output", o->output, "parameter file of the best set (default FILE_de.par)");

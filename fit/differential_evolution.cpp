@@ -10,6 +10,7 @@
 
 #include "core/blas_threads.hpp"
 #include "core/user_error.hpp"
+#include "fit/g_factor_fit.hpp"
 
 namespace orvane {
 namespace {
@@ -117,8 +118,14 @@ std::uint64_t clockSeed() {
 
 LevelDeviation::LevelDeviation(std::shared_ptr<const Model> model, const ParameterSet& set, FitKind kind,
                                const std::vector<DEParameter>& parameters, std::vector<ObservedLevel> levels,
-                               DELevelMatching matching, std::optional<DESuperposition> superposition)
-    : model_(std::move(model)), levels_(std::move(levels)), matching_(matching), superposition_(std::move(superposition)) {
+                               DELevelMatching matching, std::optional<DESuperposition> superposition,
+                               std::vector<ObservedGFactor> gFactors, double gWeight)
+    : model_(std::move(model)),
+      levels_(std::move(levels)),
+      matching_(matching),
+      superposition_(std::move(superposition)),
+      gFactors_(model_->setup().crystalField ? std::move(gFactors) : std::vector<ObservedGFactor>{}),
+      gWeight_(gWeight) {
     base_ = parameterVectorOf(set, kind == FitKind::ComplexCrystalField).withLinksApplied();
     base_.links.clear();
     rows_ = fitParameterRows(set, kind);
@@ -135,9 +142,18 @@ LevelDeviation::LevelDeviation(std::shared_ptr<const Model> model, const Paramet
         rowOfParameter_.push_back(row);
         superpositionIndex_.push_back(row < 0 ? superpositionIndex : -1);
     }
-    if (matching_ == DELevelMatching::Fixed) {
+    if (matching_ == DELevelMatching::Fixed && gFactors_.empty()) {
         statesNeeded_ = 0;
         for (const auto& level : levels_) statesNeeded_ = std::max(statesNeeded_, level.stateNumber);
+    }
+    if (!gFactors_.empty() && gWeight_ <= 0.0) {
+        std::vector<double> initial;
+        for (const auto& parameter : parameters) initial.push_back(parameter.initial);
+        ModelWorkspace workspace;
+        const auto start = sums(initial, workspace);
+        const double rmsEnergies = start.energyCount > 0 ? std::sqrt(start.energies / start.energyCount) : 0.0;
+        const double rmsG = start.gCount > 0 ? std::sqrt(start.g / start.gCount) : 0.0;
+        gWeight_ = rmsEnergies > 0 ? rmsEnergies / std::max(rmsG, 1e-3) : 1.0;
     }
 }
 
@@ -166,12 +182,48 @@ std::vector<FitParameter> LevelDeviation::rowsOf(const std::vector<double>& valu
 }
 
 double LevelDeviation::deviation(const std::vector<double>& values, ModelWorkspace& workspace) const {
+    const auto s = sums(values, workspace);
+    const int count = s.energyCount + s.gCount;
+    if (!std::isfinite(s.energies)) return s.energies;
+    return count > 0 ? std::sqrt((s.energies + gWeight_ * gWeight_ * s.g) / count) : 0.0;
+}
+
+DEFinalDeviations LevelDeviation::finalDeviations(const std::vector<double>& values) const {
+    ModelWorkspace workspace;
+    const auto s = sums(values, workspace);
+    DEFinalDeviations d;
+    d.rms = s.energyCount > 0 ? std::sqrt(s.energies / s.energyCount) : 0.0;
+    d.withGFactors = s.gCount > 0;
+    if (!d.withGFactors) return d;
+    const double rmsG = std::sqrt(s.g / s.gCount);
+    d.weightedEnergies = d.rms;
+    d.weightedG = gWeight_ * rmsG;
+    d.weightedBoth = std::sqrt((s.energies + gWeight_ * gWeight_ * s.g) / (s.energyCount + s.gCount));
+    d.rmsWithWeightedG = std::sqrt(d.rms * d.rms + d.weightedG * d.weightedG);
+    return d;
+}
+
+LevelDeviation::Sums LevelDeviation::sums(const std::vector<double>& values, ModelWorkspace& workspace) const {
     const ParameterVector parameters = fitParameterVector(base_, rowsOf(values));
     SolveRequest request;
     request.freeIon = false;
+    request.vectors = !gFactors_.empty();
     request.lowest = statesNeeded_;
     const auto solution = model_->solve(parameters, request, workspace);
-    if (solution.status != EigenStatus::Ok) return std::numeric_limits<double>::infinity();
+    Sums result;
+    if (solution.status != EigenStatus::Ok) {
+        result.energies = std::numeric_limits<double>::infinity();
+        return result;
+    }
+    if (!gFactors_.empty()) {
+        const auto g = evaluateGFactors(*model_, solution.levels, gFactors_, {});
+        for (std::size_t r = 0; r < gFactors_.size(); ++r)
+            if (std::isfinite(g.calculated[r])) {
+                const double d = gFactors_[r].observed - g.calculated[r];
+                result.g += d * d;
+                ++result.gCount;
+            }
+    }
     std::vector<double> energies;
     if (model_->setup().crystalField)
         for (const auto& level : solution.levels) energies.push_back(level.energy);
@@ -207,7 +259,9 @@ double LevelDeviation::deviation(const std::vector<double>& values, ModelWorkspa
             ++count;
         }
     }
-    return count > 0 ? std::sqrt(sum / count) : 0.0;
+    result.energies = sum;
+    result.energyCount = count;
+    return result;
 }
 
 DEResult runDifferentialEvolution(const std::vector<DEParameter>& parameters, const DESettings& settings,

@@ -57,12 +57,22 @@ struct DESuperposition {
 // ones of a prepared model. Fixed matching: each level's state number.
 // Automatic matching: the observed levels in ascending energy each take the
 // nearest calculated level (distinct energies) not taken before.
+//
+// With observed g-factors (crystal-field kinds; fit/g_factor_fit.hpp) the
+// deviation is the weighted RMS of energies and g together,
+//   WRMS Dev. = sqrt((sum dE^2 + w^2 sum dg^2) / (N_E + N_g)),
+// w = gWeight, or when it is 0 the ratio RMS Dev(E) / RMS Dev(g) of the
+// initial set (the g deviation at least 1e-3), fixed for the whole search.
 class LevelDeviation final : public DEObjective {
 public:
     LevelDeviation(std::shared_ptr<const Model> model, const ParameterSet& set, FitKind kind,
                    const std::vector<DEParameter>& parameters, std::vector<ObservedLevel> levels,
-                   DELevelMatching matching, std::optional<DESuperposition> superposition = std::nullopt);
+                   DELevelMatching matching, std::optional<DESuperposition> superposition = std::nullopt,
+                   std::vector<ObservedGFactor> gFactors = {}, double gWeight = 0.0);
     double deviation(const std::vector<double>& values, ModelWorkspace& workspace) const override;
+    // The footer's figures for a member.
+    DEFinalDeviations finalDeviations(const std::vector<double>& values) const;
+    double gWeight() const { return gWeight_; }
     // The fit table with the values of a member (for the transfer of the best set).
     std::vector<FitParameter> rowsOf(const std::vector<double>& values) const;
 
@@ -77,6 +87,14 @@ private:
     DELevelMatching matching_;
     std::optional<DESuperposition> superposition_;
     int statesNeeded_ = kAllEigenvalues;
+    std::vector<ObservedGFactor> gFactors_;
+    double gWeight_ = 0.0;
+
+    struct Sums {
+        double energies = 0.0, g = 0.0;
+        int energyCount = 0, gCount = 0;
+    };
+    Sums sums(const std::vector<double>& values, ModelWorkspace& workspace) const;
 };
 
 struct DEGeneration {
