@@ -118,10 +118,9 @@ void runDE(DEOptionsOnLine o) {
     if (superposition && !intrinsicGiven)
         throw UserError("Error in setting Differential Evolution parameter",
                         "You need to provide Superposition Model parameters and ligand positions");
-    if (o.settings.polish && superposition)
+    if (o.settings.polish && superposition && o.autoMatch)
         throw UserError("Error in setting Differential Evolution parameter",
-                        "The least-squares polish varies free-ion and crystal-field parameters, not the superposition "
-                        "model's: run orvane fit on the result instead");
+                        "The polish of a superposition-model search needs fixed energy levels (leave out --automatch)");
     o.settings.scheme = o.scheme == "accelerated" ? DEScheme::Accelerated : DEScheme::Ordinary;
     o.settings.matching = o.autoMatch ? DELevelMatching::Automatic : DELevelMatching::Fixed;
     if (const auto problem = deSettingsProblem(o.settings))
@@ -173,7 +172,16 @@ void runDE(DEOptionsOnLine o) {
     for (const auto& line : deFooterLines(objective.finalDeviations(result.best), std::chrono::system_clock::now()))
         log.appendLine(line);
     auto bestRows = objective.rowsOf(result.best);
-    if (o.settings.polish) bestRows = polish(set, bestRows, parameters, levels, kind, tables, log);
+    if (o.settings.polish && superposition) {
+        const auto polished = objective.polishSuperposition(result.best);
+        log.appendLine(fmt::format("Least-squares polish of the superposition model: RMS Dev. = {:.4f} after {} cycles",
+                                   polished.deviation, polished.cycles));
+        for (std::size_t p = 0; p < parameters.size(); ++p)
+            log.appendLine(fmt::format("{:<12}{:>14.4f}", parameters[p].name, polished.values[p]));
+        bestRows = objective.rowsOf(polished.values);
+    } else if (o.settings.polish) {
+        bestRows = polish(set, bestRows, parameters, levels, kind, tables, log);
+    }
     log.appendLine("Final Results");
     FitWorkspace shown;
     shown.parameters = bestRows;

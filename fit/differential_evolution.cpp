@@ -140,6 +140,7 @@ LevelDeviation::LevelDeviation(std::shared_ptr<const Model> model, const Paramet
         if (row < 0 && (superpositionIndex < 0 || !superposition_))
             throw UserError(kSettingError, "The parameter set has no parameter \"" + parameter.name + "\" to vary");
         rowOfParameter_.push_back(row);
+        searched_.push_back(!parameter.fixed && parameter.lower < parameter.upper);
         superpositionIndex_.push_back(row < 0 ? superpositionIndex : -1);
     }
     if (matching_ == DELevelMatching::Fixed && gFactors_.empty()) {
@@ -204,13 +205,20 @@ DEFinalDeviations LevelDeviation::finalDeviations(const std::vector<double>& val
 }
 
 LevelDeviation::Sums LevelDeviation::sums(const std::vector<double>& values, ModelWorkspace& workspace) const {
-    const ParameterVector parameters = fitParameterVector(base_, rowsOf(values));
+    Sums result;
+    std::vector<FitParameter> rows;
+    try {
+        rows = rowsOf(values);
+    } catch (const UserError&) {  // intrinsic parameters the superposition model refuses: no solution
+        result.energies = std::numeric_limits<double>::infinity();
+        return result;
+    }
+    const ParameterVector parameters = fitParameterVector(base_, rows);
     SolveRequest request;
     request.freeIon = false;
     request.vectors = !gFactors_.empty();
     request.lowest = statesNeeded_;
     const auto solution = model_->solve(parameters, request, workspace);
-    Sums result;
     if (solution.status != EigenStatus::Ok) {
         result.energies = std::numeric_limits<double>::infinity();
         return result;

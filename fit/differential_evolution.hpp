@@ -73,6 +73,22 @@ public:
     // The footer's figures for a member.
     DEFinalDeviations finalDeviations(const std::vector<double>& values) const;
     double gWeight() const { return gWeight_; }
+
+    // Least-squares polish of a member of a superposition-model search with
+    // fixed level matching: damped Gauss-Newton steps (fit/least_squares_step.hpp)
+    // on the searched rows, the derivatives by the chain rule
+    //   dE/db_k = sum_q dE/dB(k,q) dB(k,q)/db_k  (likewise t_k),
+    // dE/dB(k,q) from the engine (Hellmann-Feynman) and dB(k,q)/db_k, dt_k from
+    // params/superposition.hpp; searched free-ion rows by their own
+    // derivatives. A step is kept when it lowers the deviation (damping times
+    // ten otherwise, at most five trials); the polish ends when a cycle gains
+    // less than 1e-6 or after `maxCycles`.
+    struct Polish {
+        std::vector<double> values;
+        double deviation = 0.0;
+        int cycles = 0;
+    };
+    Polish polishSuperposition(std::vector<double> values, int maxCycles = 30) const;
     // The fit table with the values of a member (for the transfer of the best set).
     std::vector<FitParameter> rowsOf(const std::vector<double>& values) const;
 
@@ -82,6 +98,7 @@ private:
     std::vector<FitParameter> rows_;
     std::vector<LinkFollower> followers_;
     std::vector<int> rowOfParameter_;      // fit-table row of each DE row, -1 for a superposition row
+    std::vector<bool> searched_;           // a DE row with a box to search
     std::vector<int> superpositionIndex_;  // 0..5 (Abar2, Abar4, Abar6, t2, t4, t6) or -1
     std::vector<ObservedLevel> levels_;
     DELevelMatching matching_;

@@ -136,9 +136,13 @@ TEST(DifferentialEvolution, RecoversSuperpositionParameters) {
     settings.err = 0.5;
     settings.scheme = DEScheme::Accelerated;
     const auto result = runDifferentialEvolution(boxes, settings, deviation, {99, 2, nullptr, {}});
-    std::printf("DE (superposition model): %d generations, %ld evaluations, best RMS Dev. %.3f\n",
-                result.history.back().iteration, result.evaluations, result.bestDeviation);
+    const auto polished = deviation.polishSuperposition(result.best);
+    std::printf("DE (superposition model): %d generations, %ld evaluations, best RMS Dev. %.3f; polished %.2e in %d "
+                "cycles\n",
+                result.history.back().iteration, result.evaluations, result.bestDeviation, polished.deviation,
+                polished.cycles);
     EXPECT_LT(result.bestDeviation, 1.0);
+    EXPECT_LT(polished.deviation, 0.01);
 }
 
 }  // namespace
