@@ -37,6 +37,17 @@ void printCrystalFieldRows(std::ostream& out, const std::vector<CrystalFieldRow>
     }
 }
 
+// The fit section: each parameter's option and, for a linked one, its master.
+void printFitSetup(std::ostream& out, const ParameterSet& set) {
+    if (set.fitSetup.empty()) return;
+    out << "Fit options: " << set.fitSetup.size() << "\n";
+    for (const auto& row : set.fitSetup) {
+        out << "  " << row.name << " " << row.option;
+        if (!row.linkedTo.empty()) out << " (is related to " << row.linkedTo << ")";
+        out << "\n";
+    }
+}
+
 void printSwitches(std::ostream& out, const ParameterSet& set) {
     const RunSwitches& s = set.switches;
     out << "Option line: " << (set.hasOptionLine ? "\"" + set.optionLine + "\"" : "(absent)") << "\n";
@@ -91,6 +102,7 @@ void printSet(std::ostream& out, const ParameterSet& set) {
             << section.rows.size() << " rows):\n";
         printCrystalFieldRows(out, section.rows, correlationRowPrefix(section.kind));
     }
+    printFitSetup(out, set);
     for (const std::string& question : correlationSectionQuestions(set))
         out << "Warning: " << question << "\n";
     if (set.switches.pointGroup) {
