@@ -94,6 +94,31 @@ int componentIndex(GComponent component) {
     return component == GComponent::X ? 0 : component == GComponent::Y ? 1 : 2;
 }
 
+
+// dg/dp of one observed component of a doublet, given dM_a of the pair.
+double componentDerivative(const DoubletG& g, int c, bool sumOfPair, double value,
+                           const std::array<Eigen::Matrix2cd, 3>& m, const std::array<Eigen::Matrix2cd, 3>& dm) {
+    if (sumOfPair) {
+        const Eigen::Vector3d axis = g.axes.col(2);
+        Eigen::Matrix2cd along = Eigen::Matrix2cd::Zero(), dAlong = Eigen::Matrix2cd::Zero();
+        for (std::size_t a = 0; a < 3; ++a) {
+            along += axis(static_cast<Eigen::Index>(a)) * m[a];
+            dAlong += axis(static_cast<Eigen::Index>(a)) * dm[a];
+        }
+        const Eigen::SelfAdjointEigenSolver<Eigen::Matrix2cd> solver(along);
+        double derivative = 0.0;
+        for (int e = 0; e < 2; ++e) {
+            const Eigen::Vector2cd u = solver.eigenvectors().col(e);
+            const double sign = solver.eigenvalues()(e) >= 0 ? 1.0 : -1.0;
+            derivative += sign * (u.adjoint() * dAlong * u)(0, 0).real();
+        }
+        return derivative;
+    }
+    if (!(value > 0)) return 0.0;
+    const Eigen::Vector3d axis = g.axes.col(c);
+    return axis.dot(gSquareDerivative(m, dm) * axis) / (2.0 * value);
+}
+
 }  // namespace
 
 GFactorEvaluation evaluateGFactors(const Model& model, const std::vector<ModelLevel>& levels,
@@ -108,18 +133,24 @@ GFactorEvaluation evaluateGFactors(const Model& model, const std::vector<ModelLe
     const auto index = indexLevels(model, levels, states);
     const auto moment = magneticMomentOperator(states);
     const auto pairs = pairDoublets(states);
+    // The observed rows of each doublet (gx and gz of one doublet share its work).
+    std::map<std::size_t, std::vector<std::size_t>> rowsOfPair;
     for (std::size_t r = 0; r < rows.size(); ++r) {
         const int level = rows[r].stateNumber - 1;
         if (level < 0 || static_cast<std::size_t>(level) >= levels.size()) continue;
         const int s = index.propertyState[static_cast<std::size_t>(level)];
         const auto pair = std::find_if(pairs.begin(), pairs.end(), [s](const auto& p) { return p.first == s || p.second == s; });
-        if (pair == pairs.end()) continue;
-        const auto g = doubletGFactors(states, moment, pair->first, pair->second);
-        const int c = componentIndex(rows[r].component);
-        const bool sumOfPair = g.quasiDoublet && c == 2;
-        result.calculated[r] = sumOfPair ? g.gz1 + g.gz2 : g.g[static_cast<std::size_t>(c)];
+        if (pair != pairs.end()) rowsOfPair[static_cast<std::size_t>(pair - pairs.begin())].push_back(r);
+    }
+    for (const auto& [pairIndex, pairRows] : rowsOfPair) {
+        const int p[2] = {pairs[pairIndex].first, pairs[pairIndex].second};
+        const auto g = doubletGFactors(states, moment, p[0], p[1]);
+        for (const std::size_t r : pairRows) {
+            const int c = componentIndex(rows[r].component);
+            result.calculated[r] = g.quasiDoublet && c == 2 ? g.gz1 + g.gz2 : g.g[static_cast<std::size_t>(c)];
+        }
+        if (ids.empty()) continue;
         // <p|m_a|k> for every state k, p = the pair's two states.
-        const int p[2] = {pair->first, pair->second};
         Eigen::MatrixXcd elements[2];
         for (int t = 0; t < 2; ++t) elements[t] = moment.contract(cartesianFromSpherical(moment.braRows(p[t])));
         const auto m = momentBlocks(moment, p[0], p[1]);
@@ -136,25 +167,11 @@ GFactorEvaluation evaluateGFactors(const Model& model, const std::vector<ModelLe
                         dm[static_cast<std::size_t>(a)](u, v) =
                             coefficients[u].dot(elements[v].col(a).conjugate()) +
                             coefficients[v].cwiseProduct(elements[u].col(a)).sum();
-            double derivative = 0.0;
-            if (sumOfPair) {
-                const Eigen::Vector3d axis = g.axes.col(2);
-                Eigen::Matrix2cd along = Eigen::Matrix2cd::Zero(), dAlong = Eigen::Matrix2cd::Zero();
-                for (int a = 0; a < 3; ++a) {
-                    along += axis(a) * m[static_cast<std::size_t>(a)];
-                    dAlong += axis(a) * dm[static_cast<std::size_t>(a)];
-                }
-                const Eigen::SelfAdjointEigenSolver<Eigen::Matrix2cd> solver(along);
-                for (int e = 0; e < 2; ++e) {
-                    const Eigen::Vector2cd u = solver.eigenvectors().col(e);
-                    const double sign = solver.eigenvalues()(e) >= 0 ? 1.0 : -1.0;
-                    derivative += sign * (u.adjoint() * dAlong * u)(0, 0).real();
-                }
-            } else if (result.calculated[r] > 0) {
-                const Eigen::Vector3d axis = g.axes.col(c);
-                derivative = axis.dot(gSquareDerivative(m, dm) * axis) / (2.0 * result.calculated[r]);
+            for (const std::size_t r : pairRows) {
+                const int c = componentIndex(rows[r].component);
+                result.derivatives(static_cast<Eigen::Index>(r), static_cast<Eigen::Index>(i)) =
+                    componentDerivative(g, c, g.quasiDoublet && c == 2, result.calculated[r], m, dm);
             }
-            result.derivatives(static_cast<Eigen::Index>(r), static_cast<Eigen::Index>(i)) = derivative;
         }
     }
     return result;
