@@ -189,6 +189,12 @@ void fitParameterFile(const FitOptions& options) {
                                                        : std::filesystem::path(options.tableDirectory);
     FitSession session(set, std::move(workspace), tables, log);
     session.update();
+    const auto statesConsidered = session.evaluation().energies.size();
+    for (const auto& level : session.workspace().levels)
+        if (static_cast<std::size_t>(level.stateNumber) > statesConsidered)
+            log.appendLine(fmt::format("State number {} of the level at {} is beyond the {} states considered: it is "
+                                       "not compared (see --max-levels).",
+                                       level.stateNumber, level.observedEnergy, statesConsidered));
     log.appendLine(fmt::format("Start: RMS Dev. = {:.4f}, S.E. = {:.4f}", session.workspace().rmsDeviation,
                                session.workspace().standardError));
     {
