@@ -6,7 +6,9 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 packages=(build-essential cmake ninja-build pkg-config libeigen3-dev libopenblas-dev
-          liblapack-dev libfmt-dev libcli11-dev libgtest-dev libbenchmark-dev)
+          liblapack-dev libfmt-dev libcli11-dev libgtest-dev libbenchmark-dev
+          libxlsxwriter-dev libminizip-dev libpugixml-dev
+          pybind11-dev python3-dev python3-numpy python3-pytest python3-openpyxl)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
