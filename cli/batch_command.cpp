@@ -8,6 +8,7 @@
 #include <string>
 
 #include "cli/commands.hpp"
+#include "cli/terminal_log_book.hpp"
 #include "cli/exit_code.hpp"
 #include "interactive/batch_list.hpp"
 #include "interactive/command_line_asker.hpp"
@@ -35,7 +36,7 @@ std::string today() { return formatDate(localNow()) + " " + formatTime(localNow(
 
 // Runs every row; returns the number of rows that did not complete.
 int runBatch(const BatchOptions& options) {
-    StreamLogBook log(std::cout);
+    TerminalLogBook log(LogRole::Narration);
     CommandLineAsker asker(std::cerr);
     MemorySettingsStore settings;
     InteractiveRunEnvironment environment{log, asker, settings,
@@ -45,7 +46,10 @@ int runBatch(const BatchOptions& options) {
     const auto entries = parseBatchList(readTextFile(listPath, 1u << 20), listPath);
     const int mode = options.freeIon ? 2 : options.complex ? 1 : 0;
     int failures = 0;
+    const auto rows = static_cast<int>(entries.size());
+    int row = 0;
     for (const BatchEntry& entry : entries) {
+        log.progress(LogCategory::Run, "batch", row++, rows);
         const std::filesystem::path& file = entry.file;
         if (!std::filesystem::is_regular_file(file)) {
             log.appendLine("Can't find input parameters file from " + file.string());
@@ -63,6 +67,7 @@ int runBatch(const BatchOptions& options) {
             ++failures;
         }
     }
+    log.progress(LogCategory::Run, "batch", rows, rows);
     log.appendLine("Work completed.");
     return failures;
 }

@@ -12,6 +12,7 @@
 #include <fmt/core.h>
 
 #include "cli/commands.hpp"
+#include "cli/terminal_log_book.hpp"
 #include "cli/exit_code.hpp"
 #include "core/angular.hpp"
 #include "interactive/asker.hpp"
@@ -45,7 +46,7 @@ double reducedCkOf(const std::vector<double>& v) { return ReducedCk(v[0], v[1], 
 
 void runInteractive(Interactive run) {
     TerminalAsker asker(std::cin, std::cout);
-    StreamLogBook log(std::cout);
+    TerminalLogBook log(LogRole::Results);
     run(asker, log);
     setExitCode(kExitOk);
 }
@@ -118,7 +119,7 @@ void runRotationMatrix(const std::vector<std::string>& fields) {
         return usageError("dj", "J must be a number not below 0 (or n/... for n/2), beta a number in "
                                 "degrees, order and heading integers");
     try {
-        StreamLogBook log(std::cout);
+        TerminalLogBook log(LogRole::Results);
         for (const auto& text : rotationMatrixBlock(*request)) log.appendLine(text);
         setExitCode(kExitOk);
     } catch (const FactorialRangeError& error) {

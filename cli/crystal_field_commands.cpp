@@ -13,6 +13,7 @@
 
 #include "interactive/parameter_dialogs.hpp"
 #include "cli/commands.hpp"
+#include "cli/terminal_log_book.hpp"
 #include "cli/exit_code.hpp"
 #include "interactive/asker.hpp"
 #include "interactive/command_line_asker.hpp"
@@ -165,7 +166,7 @@ void runOrthogonalElectrostatic(const ConvertOptions& o) {
         throw UserError("Error in parameter conversion",
                         "No. of electrons must be 1..13 for the electrostatic parameters, found " +
                             std::to_string(set.electronCount));
-    StreamLogBook log(std::cout);
+    TerminalLogBook log(LogRole::Results);
     const auto tables = loadEngineTables(set.electronCount,
                                          o.from.empty() ? defaultTableDirectory() : std::filesystem::path(o.from), log);
     // On the command line the answer to "Adopt them into this input form?" is Yes exactly when -o is given.
@@ -275,7 +276,7 @@ void runRotate(const RotateOptions& o) {
     CfTable table = tableOf(set);
     // Rotations act on the Wybourne (or c_k-scaled) tensors; Stevens rows go through Wybourne.
     if (form == CfNormalisation::Stevens) params::convertTable(table, params::CfConversion::StevensToWybourne);
-    StreamLogBook log(std::cout);
+    TerminalLogBook log(LogRole::Results);
     params::RotationHistory history;
     if (!o.euler.empty()) {
         params::rotateAndLog(table, {o.euler[0], o.euler[1], o.euler[2]}, history, log);
@@ -343,7 +344,7 @@ void addCubic(CLI::App& app) {
             CfTable table = tableOf(set);
             // On the command line the answer to "Adopt ...?" is Yes exactly when -o is given.
             ScriptedAsker asker({}, {o->output.empty() ? Choice::No : Choice::Yes});
-            StreamLogBook log(std::cout);
+            TerminalLogBook log(LogRole::Results);
             params::cubicApproximationAsking(
                 table, normalisationOf(set.cfConvention),
                 o->axis == "111" ? params::CubicAxis::Threefold111 : params::CubicAxis::Fourfold001,

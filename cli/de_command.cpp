@@ -9,13 +9,13 @@
 #include <memory>
 #include <string>
 #include <thread>
-#include <unistd.h>
 #include <vector>
 
 #include <fmt/format.h>
 
 #include "cli/break_request.hpp"
 #include "cli/commands.hpp"
+#include "cli/terminal_log_book.hpp"
 #include "cli/fit_inputs.hpp"
 #include "cli/property_run.hpp"
 #include "core/atomic_file.hpp"
@@ -65,15 +65,6 @@ std::optional<DESuperposition> superpositionOf(const DEOptionsOnLine& o) {
     return DESuperposition{file.ligands, r0};
 }
 
-// A bar on a terminal (standard error), one line per generation on standard output.
-void showProgress(const DEGeneration& g, int maxIterations) {
-    if (!::isatty(STDERR_FILENO)) return;
-    const int width = 40, done = maxIterations > 0 ? width * std::min(g.iteration, maxIterations) / maxIterations : 0;
-    std::cerr << '\r' << '[' << std::string(static_cast<std::size_t>(done), '#')
-              << std::string(static_cast<std::size_t>(width - done), ' ') << "] " << g.iteration << '/'
-              << maxIterations << std::flush;
-}
-
 std::string historyCsv(const DEResult& result) {
     std::string csv = "iteration,best,sd,updates,cumulative_updates\n";
     for (const auto& g : result.history)
@@ -105,7 +96,7 @@ std::vector<FitParameter> polish(const ParameterSet& set, std::vector<FitParamet
 }
 
 void runDE(DEOptionsOnLine o) {
-    StreamLogBook log(std::cout);
+    TerminalLogBook log(LogRole::Narration);
     const auto set = readParameterFileForRun(o.file);
     const auto kind = fitKindOf(o.freeIon, o.complex);
     const auto rows = fitParameterRows(set, kind);
@@ -159,36 +150,38 @@ void runDE(DEOptionsOnLine o) {
     options.stop = &stop;
     options.onGeneration = [&](const DEGeneration& g) {
         log.appendLine(deIterationLine(g));
-        showProgress(g, o.settings.maxIterations);
+        log.progress(LogCategory::Fit, "differential evolution", g.iteration, o.settings.maxIterations);
         stop.store(breaks.requested());
     };
     const auto result = runDifferentialEvolution(parameters, o.settings, objective, options);
-    if (::isatty(STDERR_FILENO)) std::cerr << '\n';
+    log.progress(LogCategory::Fit, "differential evolution", 1, 1);  // the bar ends with the search
     if (const auto text = deStopText(result.stop, o.settings); !text.empty()) log.appendLine(text);
-    log.appendLine(fmt::format("Best Set (after {} generations, {} evaluations):", result.history.back().iteration,
+    // The search's result: printed also under --quiet.
+    TerminalLogBook report(LogRole::Results);
+    report.appendLine(fmt::format("Best Set (after {} generations, {} evaluations):", result.history.back().iteration,
                                result.evaluations));
     for (std::size_t p = 0; p < parameters.size(); ++p)
-        log.appendLine(fmt::format("{:<12}{:>14.4f}", parameters[p].name, result.best[p]));
+        report.appendLine(fmt::format("{:<12}{:>14.4f}", parameters[p].name, result.best[p]));
     for (const auto& line : deFooterLines(objective.finalDeviations(result.best), std::chrono::system_clock::now()))
-        log.appendLine(line);
+        report.appendLine(line);
     auto bestRows = objective.rowsOf(result.best);
     if (o.settings.polish && superposition) {
         const auto polished = objective.polishSuperposition(result.best);
-        log.appendLine(fmt::format("Least-squares polish of the superposition model: RMS Dev. = {:.4f} after {} cycles",
+        report.appendLine(fmt::format("Least-squares polish of the superposition model: RMS Dev. = {:.4f} after {} cycles",
                                    polished.deviation, polished.cycles));
         for (std::size_t p = 0; p < parameters.size(); ++p)
-            log.appendLine(fmt::format("{:<12}{:>14.4f}", parameters[p].name, polished.values[p]));
+            report.appendLine(fmt::format("{:<12}{:>14.4f}", parameters[p].name, polished.values[p]));
         bestRows = objective.rowsOf(polished.values);
     } else if (o.settings.polish) {
-        bestRows = polish(set, bestRows, parameters, levels, kind, tables, log);
+        bestRows = polish(set, bestRows, parameters, levels, kind, tables, report);
     }
-    log.appendLine("Final Results");
+    report.appendLine("Final Results");
     FitWorkspace shown;
     shown.parameters = bestRows;
-    for (const auto& line : parameterTableLines(shown)) log.appendLine(line);
+    for (const auto& line : parameterTableLines(shown)) report.appendLine(line);
     const auto output = o.output.empty() ? besideInput(o.file, "_de") : std::filesystem::path(o.output);
     writeParameterFile(output, withFittedValues(set, bestRows));
-    log.appendLine("Best set: " + output.string());
+    report.appendLine("Best set: " + output.string());
     if (!o.csv.empty()) writeFileAtomically(o.csv, historyCsv(result));
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "cli/commands.hpp"
+#include "cli/terminal_log_book.hpp"
 #include "cli/exit_code.hpp"
 #include "interactive/command_line_asker.hpp"
 #include "interactive/interactive_eigen.hpp"
@@ -20,7 +21,7 @@ void addEigenCommand(CLI::App& app) {
     command->add_option("FILE", *file, "matrix file: the order, then one line per row")
         ->required();
     command->callback([file] {
-        StreamLogBook log(std::cout);
+        TerminalLogBook log(LogRole::Results);
         CommandLineAsker asker(std::cout);
         try {
             solveMatrixFile(*file, log, asker);

@@ -14,6 +14,7 @@
 
 #include "cli/break_request.hpp"
 #include "cli/commands.hpp"
+#include "cli/terminal_log_book.hpp"
 #include "cli/exit_code.hpp"
 #include "cli/fit_inputs.hpp"
 #include "cli/property_run.hpp"
@@ -129,6 +130,7 @@ void runCycles(FitSession& session, int cycles, const BreakRequest& breaks, LogB
         }
         const auto report = session.runCycle();
         printCycle(log, report, advised);
+        log.progress(LogCategory::Fit, "fit cycles", i + 1, cycles);
         if (report.rmsDeviation < bestRms) {
             bestRms = report.rmsDeviation;
             best = session.workspace().parameters;
@@ -143,8 +145,11 @@ void runCycles(FitSession& session, int cycles, const BreakRequest& breaks, LogB
 void runUltimate(FitSession& session, const BreakRequest& breaks, LogBook& log) {
     bool advised = false;
     // The series reads its stop flag between cycles; it follows the signal's flag.
+    const int maxCycles = session.workspace().settings.maxIterations;
+    int cycle = 0;
     auto onCycle = [&](const FitCycleReport& report) {
         printCycle(log, report, advised);
+        log.progress(LogCategory::Fit, "Ultimate Fit cycles", ++cycle, maxCycles);
         gStopFit.store(breaks.requested());
     };
     gStopFit.store(false);
@@ -176,7 +181,7 @@ void printFunctions(FitSession& session, LogBook& log) {
 }
 
 void fitParameterFile(const FitOptions& options) {
-    StreamLogBook log(std::cout);
+    TerminalLogBook log(LogRole::Narration);
     const auto set = readParameterFileForRun(options.file);
     auto workspace = workspaceOf(set, options);
     CommandLineAsker asker(std::cerr, {}, options.yes ? std::vector{Choice::Yes, Choice::Yes} : std::vector<Choice>{});
@@ -211,15 +216,18 @@ void fitParameterFile(const FitOptions& options) {
         applyLevelErrors(session.workspace(), errors);
         printLines(log, fitErrorReport(session, errors, options.correlations));
     }
+    log.progress(LogCategory::Fit, "Ultimate Fit cycles", 1, 1);  // the bar ends with the series
+    // The fit's result: printed also under --quiet.
+    TerminalLogBook report(LogRole::Results);
     const auto& result = session.workspace();
-    if (options.functions) printFunctions(session, log);
-    printLines(log, parameterTableLines(result));
-    printLines(log, levelTableLines(result));
-    printLines(log, gFactorTableLines(result));
-    printLines(log, rmsLines(result));
+    if (options.functions) printFunctions(session, report);
+    printLines(report, parameterTableLines(result));
+    printLines(report, levelTableLines(result));
+    printLines(report, gFactorTableLines(result));
+    printLines(report, rmsLines(result));
     const auto output = options.output.empty() ? besideInput(options.file, "_fit") : std::filesystem::path(options.output);
     writeParameterFile(output, withFittedValues(set, result.parameters));
-    log.appendLine("Fitted parameters: " + output.string());
+    report.appendLine("Fitted parameters: " + output.string());
     if (!options.csv.empty()) writeFileAtomically(options.csv, levelTableCsv(result));
 }
 

@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include "cli/commands.hpp"
+#include "cli/terminal_log_book.hpp"
 #include "cli/exit_code.hpp"
 #include "core/atomic_file.hpp"
 #include "core/number_format.hpp"
@@ -108,7 +109,7 @@ std::string propertyText(double value, const PropertyRunOptions& options, std::s
 }
 
 LogBook& reportLog(const PropertyRunOptions& options) {
-    static StreamLogBook out(std::cout);
+    static TerminalLogBook out(LogRole::Results);
     static NullLogBook none;
     if (options.csv == "-") return none;
     return out;

@@ -1,17 +1,22 @@
 // orvane run FILE.par: one run of the engine (free ion, real or complex
 // crystal field) that writes the general output, state vectors and energies
-// beside the parameter file and prints the progress lines and "Work completed.".
+// beside the parameter file, prints the progress lines and "Work completed.",
+// and ends with a table of the lowest levels (--show) and the result files.
+#include <cmath>
 #include <iostream>
 #include <memory>
 #include <string>
 
 #include "cli/commands.hpp"
+#include "cli/terminal_log_book.hpp"
 #include "cli/exit_code.hpp"
 #include "interactive/command_line_asker.hpp"
 #include "core/log_book.hpp"
 #include "core/settings_store.hpp"
+#include "core/text.hpp"
 #include "core/user_error.hpp"
 #include "interactive/run_dialogs.hpp"
+#include "report/level_summary.hpp"
 #include "tables/table_directory.hpp"
 
 namespace orvane::cli {
@@ -27,12 +32,22 @@ struct RunOptions {
     std::string minComponent = "0.002";
     std::string optionText;
     std::string tableDirectory;
+    std::string show = std::to_string(kDefaultSummaryLevels);  // levels in the closing table, or "all"
 };
+
+// --show N or "all" (-1).
+int summaryCount(const std::string& show) {
+    if (show == "all") return -1;
+    const auto value = parseNumber(show);
+    if (!value || *value < 0 || *value != std::floor(*value))
+        throw UserError("Error in Main", "--show " + show + ": give a number of levels or \"all\"");
+    return static_cast<int>(*value);
+}
 
 int modeOf(const RunOptions& options) { return options.freeIon ? 2 : options.complex ? 1 : 0; }
 
 void runParameterFile(const RunOptions& options) {
-    StreamLogBook log(std::cout);
+    TerminalLogBook log(LogRole::Narration);
     CommandLineAsker asker(std::cerr);
     MemorySettingsStore settings;  // energies kept, no prompts, counter from 0
     InteractiveRunEnvironment environment{log, asker, settings,
@@ -43,10 +58,12 @@ void runParameterFile(const RunOptions& options) {
     request.energyShift = options.shift;
     request.minComponent = options.minComponent;
     request.optionText = options.optionText;
+    const int shown = summaryCount(options.show);
     const auto outcome = runEngineAsking(modeOf(options), options.file, request, environment);
-    log.appendLine("Results: " + outcome.names.general + ", " + outcome.names.vectors + ", " +
-                   outcome.names.energies);
     log.appendLine("Work completed.");
+    TerminalLogBook summary(LogRole::Results);
+    if (verbosity() != Verbosity::Quiet) summary.appendLine("");
+    for (const auto& line : levelSummaryLines(outcome, shown)) summary.appendLine(line);
 }
 
 }  // namespace
@@ -65,6 +82,7 @@ void addRunCommand(CLI::App& app) {
                         "smallest |coefficient| of a state vector processed (0 <= x < 1, default 0.002)");
     command->add_option("--option", options->optionText, "switches joined to the file's own, e.g. \"/actualshell /printhm\"");
     command->add_option("--tables", options->tableDirectory, "table directory (default: the delivered one)");
+    command->add_option("--show", options->show, "lowest levels in the closing table: N (default 20), 0, or all");
     command->callback([options] {
         try {
             runParameterFile(*options);

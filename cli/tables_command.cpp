@@ -19,6 +19,7 @@
 
 #include "interactive/parameter_dialogs.hpp"
 #include "cli/commands.hpp"
+#include "cli/terminal_log_book.hpp"
 #include "cli/exit_code.hpp"
 #include "interactive/asker.hpp"
 #include "core/log_book.hpp"
@@ -60,7 +61,7 @@ std::filesystem::path directoryOf(const TablesOptions& options) {
 }
 
 bool runBuild(const TablesOptions& options) {
-    StreamLogBook log(std::cout);
+    TerminalLogBook log(LogRole::Narration);
     const auto directory = directoryOf(options);
     const auto start = std::chrono::steady_clock::now();
     const auto generated = generateConfigurations(7);
@@ -87,7 +88,7 @@ bool runBuild(const TablesOptions& options) {
 }
 
 bool runCompare(const TablesOptions& options) {
-    StreamLogBook log(std::cout);
+    TerminalLogBook log(LogRole::Results);
     std::vector<int> electrons;
     if (options.electrons == 0)
         for (int n = 1; n <= 14; ++n) electrons.push_back(n);
@@ -99,7 +100,7 @@ bool runCompare(const TablesOptions& options) {
 // The interactive checks; a cancelled question ends without a verdict (exit 1).
 bool runCheck(const TablesOptions& options) {
     TerminalAsker asker(std::cin, std::cout);
-    StreamLogBook log(std::cout);
+    TerminalLogBook log(LogRole::Results);
     if (options.check == "energies") return compareExperimentAsking(asker, log);
     const PublishedCheck check = options.check == "uk"   ? PublishedCheck::UnitTensorsAndSpinOrbit
                                  : options.check == "es" ? PublishedCheck::Electrostatic
@@ -112,7 +113,7 @@ template <typename Generator>
 void runInteractive(const TablesOptions& options, Generator generator) {
     runReporting([&] {
         TerminalAsker asker(std::cin, std::cout);
-        StreamLogBook log(std::cout);
+        TerminalLogBook log(LogRole::Results);
         generator(asker, log, directoryOf(options));
         return true;
     });

@@ -83,7 +83,10 @@ EnergyLevelResult computeEnergyLevels(const ParameterSet& set, const std::filesy
     logFreeIonRequests(set, result, log);
     log.appendLine("Finding free-ion eigenvalues and eigenvectors");
     ModelWorkspace workspace;
-    const SolveRequest request{true, options.wantVectors, options.lowest, {}, {}};
+    SolveRequest request{true, options.wantVectors, options.lowest, {}, {}};
+    request.blockSolved = [&log](int done, int total) {
+        log.progress(LogCategory::CrystalField, "crystal-field blocks", done, total);
+    };
     auto solution = model.solve(parameters, request, workspace);
     if (solution.status != EigenStatus::Ok)
         throw UserError(options.complex ? kComplexEngineError : kRealEngineError, "the diagonalisation failed");

@@ -364,6 +364,10 @@ Eigen::MatrixXd Model::levelDerivatives(const std::vector<const ModelLevel*>& le
 
 namespace {
 
+void reportBlockSolved(const SolveRequest& request, std::size_t block, std::size_t blocks) {
+    if (request.blockSolved) request.blockSolved(static_cast<int>(block) + 1, static_cast<int>(blocks));
+}
+
 // The levels whose derivatives are asked: the listed ones (each checked
 // against the count), or all of them.
 std::vector<std::size_t> derivativeRows(const std::vector<int>& listed, std::size_t count) {
@@ -443,6 +447,7 @@ ModelSolution Model::solve(const ParameterVector& parameters, const SolveRequest
                 if (source.complexVector.size() > 0) level.complexVector = timeReversed(map, source.complexVector);
                 solution.levels.push_back(std::move(level));
             }
+            reportBlockSolved(request, b, blocks_.size());
             continue;
         }
         const int n = static_cast<int>(blocks_[b].states.size());
@@ -476,6 +481,7 @@ ModelSolution Model::solve(const ParameterVector& parameters, const SolveRequest
             solution.levels.clear();
             return solution;
         }
+        reportBlockSolved(request, b, blocks_.size());
     }
     // Ascending energies; a partner block's level follows its source (lower block) on ties.
     std::vector<std::size_t> order(solution.levels.size());

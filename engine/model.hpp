@@ -30,6 +30,7 @@
 // Threads. A model is immutable after it is built; `solve` may run on many
 // threads at once, each with its own `ModelWorkspace`.
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -81,6 +82,10 @@ struct SolveRequest {
     // group (energies within kDegenerateEnergyTolerance of their neighbours):
     // independent of the basis chosen inside the group.
     bool averageDegenerateLevels = false;
+    // Called after each crystal-field block is diagonalised (time-reversed
+    // partner blocks included) with the blocks done and their number: the
+    // progress of a long run. Runs on the solving thread.
+    std::function<void(int done, int total)> blockSolved = {};
 };
 
 // Energies closer than this (cm^-1 or the set's unit; plus 1e-9 relative)

@@ -214,8 +214,14 @@ RunOutcome runEngine(int mode, std::filesystem::path parameterFile, RunRequest r
     options.crystalField = !freeIon;
     options.wantVectors = true;
     options.complex = complex;
+    // The engine's lines are replayed in the run's order below; its progress
+    // (tables generated on first use, crystal-field blocks) is shown at once.
     MemoryLogBook engineLog;
-    const auto run = runWithTables(set, options, environment, engineLog, engineError);
+    CallbackLogBook engineEvents([&](const LogEvent& event) {
+        if (event.kind == LogEventKind::Progress) environment.log.record(event);
+        else engineLog.record(event);
+    });
+    const auto run = runWithTables(set, options, environment, engineEvents, engineError);
     const auto& result = run.result;
     outcome.crystalFieldStage = options.crystalField;
 
@@ -233,7 +239,8 @@ RunOutcome runEngine(int mode, std::filesystem::path parameterFile, RunRequest r
     writeContributions(general, freeIonContributions(result.freeIonOperators, result.freeIonWeights, result.freeIon));
 
     environment.log.progress(LogCategory::Run, "run", 3, kStages);
-    ResultBasis finalBasis = freeIonBasis;
+    ResultBasis& finalBasis = outcome.basis;
+    finalBasis = freeIonBasis;
     if (freeIon) {
         outcome.levels = freeIonLevels;
         requireAscending(outcome.levels, shift);
@@ -269,6 +276,7 @@ RunOutcome runEngine(int mode, std::filesystem::path parameterFile, RunRequest r
 
     environment.log.progress(LogCategory::Run, "run", 4, kStages);
     const std::string unit(energyUnitName(set.switches.energyUnit));
+    outcome.energyUnit = unit;
     ResultFile vectorFile(outcome.names.vectors);
     if (vectorFile.wanted())
         writeStateVectorText(vectorFile.stream(), {set.title, unit, shift, complex}, finalBasis, tables.terms,

@@ -53,6 +53,8 @@ struct RunOutcome {
     RunRequest request;                // as used (after the interactive prompts)
     bool crystalFieldStage = false;
     std::vector<ResultLevel> levels;   // the run's final levels (crystal field, or free ion), unshifted
+    ResultBasis basis;                 // the basis the levels' components index
+    std::string energyUnit;            // of the parameter set ("cm-1", ...)
     bool showGeneralOutput = false;    // the general output was written, is not empty and the counter is below 10
 };
 

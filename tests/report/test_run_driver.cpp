@@ -16,6 +16,7 @@
 #include "core/atomic_file.hpp"
 #include "core/user_error.hpp"
 #include "report/energy_file.hpp"
+#include "report/level_summary.hpp"
 #include "report/run_driver.hpp"
 #include "tests/report/run_support.hpp"
 #include "tests/support/reference_data.hpp"
@@ -70,10 +71,14 @@ TEST(GoldenReport, PraseodymiumExampleInModes0And2) {
         const auto dir = test::scratchDirectory("golden_mode" + std::to_string(mode));
         std::filesystem::copy_file(example, dir / "Pr3plus-LaF3.par");
         TestRun run;
-        runEngine(mode, dir / "Pr3plus-LaF3.par", {}, run.environment);
+        const auto outcome = runEngine(mode, dir / "Pr3plus-LaF3.par", {}, run.environment);
+        std::string summary;  // the table the command ends with
+        for (const auto& line : levelSummaryLines(outcome, 6)) summary += line + "\n";
+        writeFileAtomically(dir / "summary.txt", summary);
         const std::string stem = mode == 0 ? "Pr3plus-LaF3" : "Pr3plus-LaF3_fi";
-        for (const char* suffix : {".gen", ".eng", ".ev"}) {
-            const auto produced = masked(readTextFile(dir / (stem + suffix)), dir);
+        for (const char* suffix : {".gen", ".eng", ".ev", ".summary"}) {
+            const auto source = std::string(suffix) == ".summary" ? dir / "summary.txt" : dir / (stem + suffix);
+            const auto produced = masked(readTextFile(source), dir);
             const auto golden = kGoldenDir / (stem + suffix);
             if (update) writeFileAtomically(golden, produced);
             ASSERT_TRUE(std::filesystem::exists(golden)) << golden << " is missing; see the top of this file";
