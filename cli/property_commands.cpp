@@ -342,7 +342,7 @@ void intensitiesCommand(const IntensityOptions& options) {
     log.appendLine("State@Energy      lambda /nm   k/cm^-1  S(ED) calc.  A(ED) /s^-1  S(MD) /E-8*D^2  D(MD) /E-8*D^2  "
                    "f(MD) /E-8  A(MD) /s^-1  A(EQ) /s^-1  Atotal /s^-1");
     std::ostringstream csv;
-    csv << "initial,final,wavenumber,U2,U4,U6,S_ED,A_ED,MD2,S_MD,f_MD,A_MD,A_EQ\n";
+    csv << "initial,final,wavenumber,U2,U4,U6,S_ED,A_ED,MD2,S_MD,f_MD,A_MD,A_EQ,S_ED_sigma,S_ED_pi,MD2_sigma,MD2_pi\n";
     double emissionSum = 0.0;
     for (const auto& line : lines) {
         const double total = line.rateED + line.rateMD + line.rateEQ;
@@ -357,6 +357,10 @@ void intensitiesCommand(const IntensityOptions& options) {
                                        chiText(line.rateEQ), chiText(total));
         if (options.temperature && emission) text += "  W=" + chiText(population * total);
         log.appendLine(text);
+        if (line.strengthED > 0.0)
+            log.appendLine("      S(ED) = " + formatNumber(line.strengthED, "#0.0000") + ": Parallel sigma " +
+                           formatNumber(line.strengthEDSigma, "#0.0000") + ", Perp. pi " +
+                           formatNumber(line.strengthEDPi, "#0.0000"));
         if (line.magneticSquare > 0.0)
             log.appendLine("      MD2 = " + formatNumber(line.magneticSquare, "#0.00000") + ": Parallel sigma " +
                            formatNumber(line.magneticSigma, "#0.00000") + ", Perp. pi " +
@@ -364,7 +368,8 @@ void intensitiesCommand(const IntensityOptions& options) {
         csv << stateNumber(run, initial) << ',' << stateNumber(run, line.final) << ',' << csvNumber(line.wavenumber);
         for (double u : line.unitSquares) csv << ',' << csvNumber(u);
         for (double v : {line.strengthED, line.rateED, line.magneticSquare, line.strengthMD, line.oscillatorMD,
-                         line.rateMD, line.rateEQ})
+                         line.rateMD, line.rateEQ, line.strengthEDSigma, line.strengthEDPi, line.magneticSigma,
+                         line.magneticPi})
             csv << ',' << csvNumber(v);
         csv << '\n';
     }

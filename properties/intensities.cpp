@@ -21,23 +21,40 @@ IntensityOperators intensityOperators(const PropertyStates& states, double spinG
     return {std::move(unitTensors), magneticMomentOperator(states, spinG)};
 }
 
+DipolePolarisation electricDipolePolarisation(int q, int fold) {
+    if (fold == 1) return DipolePolarisation::Both;
+    const int residue = fold <= 0 ? q : ((q % fold) + fold) % fold;
+    if (residue == 0) return DipolePolarisation::Pi;
+    if (std::abs(residue) == 1 || residue == fold - 1) return DipolePolarisation::Sigma;
+    return DipolePolarisation::Neither;
+}
+
 Eigen::MatrixXd lineSquaresFrom(const PropertyStates& states, const IntensityOperators& operators, int level) {
-    Eigen::MatrixXd squares = Eigen::MatrixXd::Zero(static_cast<Eigen::Index>(states.states.size()), 6);
+    Eigen::MatrixXd squares = Eigen::MatrixXd::Zero(static_cast<Eigen::Index>(states.states.size()), kLineSquareColumns);
     for (int member : states.levelMembers(level)) {
-        for (std::size_t k = 0; k < 3; ++k) {
-            const auto& op = operators.unitTensors[k];
-            squares.col(static_cast<Eigen::Index>(k)) += op.contract(op.braRows(member)).cwiseAbs2().rowwise().sum();
+        for (int k = 0; k < 3; ++k) {
+            const auto& op = operators.unitTensors[static_cast<std::size_t>(k)];
+            const Eigen::MatrixXd byQ = op.contract(op.braRows(member)).cwiseAbs2();  // columns Q = -rank..rank
+            const int rank = static_cast<int>(byQ.cols() / 2);
+            squares.col(kU2 + k) += byQ.rowwise().sum();
+            for (int c = 0; c < byQ.cols(); ++c) {
+                const auto polarisation = electricDipolePolarisation(c - rank, states.fold);
+                const bool pi = polarisation == DipolePolarisation::Pi || polarisation == DipolePolarisation::Both;
+                const bool sigma = polarisation == DipolePolarisation::Sigma || polarisation == DipolePolarisation::Both;
+                if (pi) squares.col(kU2Pi + k) += byQ.col(c);
+                if (sigma) squares.col(kU2Sigma + k) += byQ.col(c);
+            }
         }
         const Eigen::MatrixXd moment = operators.moment.contract(operators.moment.braRows(member)).cwiseAbs2();
-        squares.col(3) += moment.rowwise().sum();
-        squares.col(4) += moment.col(1);                   // q = 0
-        squares.col(5) += moment.col(0) + moment.col(2);   // q = -1, +1
+        squares.col(kMD2) += moment.rowwise().sum();
+        squares.col(kMDSigma) += moment.col(1);                  // q = 0
+        squares.col(kMDPi) += moment.col(0) + moment.col(2);     // q = -1, +1
     }
     return squares;
 }
 
 TransitionLine transitionLine(const PropertyStates& states, int initialLevel, int finalLevel,
-                              const std::array<double, 6>& squares, const IntensityInput& input) {
+                              const LineSquares& squares, const IntensityInput& input) {
     const auto initialMembers = states.levelMembers(initialLevel);
     const auto finalMembers = states.levelMembers(finalLevel);
     TransitionLine line;
@@ -48,11 +65,15 @@ TransitionLine transitionLine(const PropertyStates& states, int initialLevel, in
     const double lowerDegeneracy = static_cast<double>(absorption ? initialMembers.size() : finalMembers.size());
     const double upperDegeneracy = static_cast<double>(absorption ? finalMembers.size() : initialMembers.size());
     line.wavenumber = std::abs(finalEnergy - initialEnergy);
-    line.unitSquares = {squares[0], squares[1], squares[2]};
-    line.magneticSquare = squares[3];
-    line.magneticSigma = squares[4];
-    line.magneticPi = squares[5];
-    for (int k = 0; k < 3; ++k) line.strengthED += input.omega[k] * squares[k];
+    line.unitSquares = {squares[kU2], squares[kU4], squares[kU6]};
+    line.magneticSquare = squares[kMD2];
+    line.magneticSigma = squares[kMDSigma];
+    line.magneticPi = squares[kMDPi];
+    for (int k = 0; k < 3; ++k) {
+        line.strengthED += input.omega[k] * squares[kU2 + k];
+        line.strengthEDPi += input.omega[k] * squares[kU2Pi + k];
+        line.strengthEDSigma += input.omega[k] * squares[kU2Sigma + k];
+    }
     line.strengthMD = kBohrMagnetonSquaredDebye * line.magneticSquare;
     line.dipoleMD = line.strengthMD / lowerDegeneracy;
     if (line.wavenumber <= 0.0) return line;
@@ -82,9 +103,9 @@ std::vector<TransitionLine> transitionLines(const PropertyStates& states, const 
         const int level = states.states[j].level;
         if (level == initialLevel || level == previousLevel) continue;
         previousLevel = level;
-        std::array<double, 6> sums{};
+        LineSquares sums{};
         for (int member : states.levelMembers(level))
-            for (int c = 0; c < 6; ++c) sums[c] += squares(member, c);
+            for (int c = 0; c < kLineSquareColumns; ++c) sums[c] += squares(member, c);
         lines.push_back(transitionLine(states, initialLevel, level, sums, input));
     }
     return lines;

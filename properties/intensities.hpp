@@ -47,10 +47,33 @@ struct IntensityOperators {
 };
 IntensityOperators intensityOperators(const PropertyStates& states, double spinG);
 
+// Polarisation of an electric-dipole line at a site with a `fold`-fold main
+// axis z, by the component Q of U(k)_Q that connects the two states. The
+// forced electric dipole couples light of polarisation q through an odd-rank
+// crystal-field component of order p, a multiple of the fold, so Q = p + q:
+// Q = 0 (mod fold) is reached by q = 0, "Perp. pi" (E along z); Q = +-1 (mod
+// fold) by q = +-1, "Parallel sigma" (E perpendicular to z); any other Q by
+// neither (the crystal-quantum-number selection rules, e.g. Gorller-Walrand &
+// Binnemans 1998, Handbook Phys. Chem. Rare Earths 25, ch. 167, sect. 3).
+// Fold 0 is the free ion (axial to any order: only Q = 0 and +-1); fold 1 has
+// no axis and no rule: both.
+enum class DipolePolarisation { Pi, Sigma, Neither, Both };
+DipolePolarisation electricDipolePolarisation(int q, int fold);
+
+// Columns of lineSquaresFrom.
+enum LineSquareColumn : int {
+    kU2 = 0, kU4 = 1, kU6 = 2,  // sum |<i|U(k)_Q|f>|^2 over Q
+    kMD2 = 3,                   // sum |<i|L + g_s S|f>|^2
+    kMDSigma = 4,               // its q = 0 part (B along z)
+    kMDPi = 5,                  // its q = +-1 part (B perpendicular)
+    kU2Pi = 6,                  // U(k)^2 over the Q of "Perp. pi" (k = 2, 4, 6)
+    kU2Sigma = 9,               // U(k)^2 over the Q of "Parallel sigma"
+    kLineSquareColumns = 12
+};
+using LineSquares = std::array<double, kLineSquareColumns>;
+
 // Squared elements from the members of one level to every state, summed over
-// the members and q: columns U2, U4, U6, MD2, then MD2 split by polarisation
-// for a uniaxial site: sigma (B along z, q = 0) and pi (B perpendicular, q = +-1)
-// (states x 6).
+// the members and the components (states x kLineSquareColumns).
 Eigen::MatrixXd lineSquaresFrom(const PropertyStates& states, const IntensityOperators& operators, int level);
 
 struct IntensityInput {
@@ -69,6 +92,8 @@ struct TransitionLine {
     double magneticSigma = 0.0;           // its q = 0 part ("Parallel sigma": E perpendicular, B along z)
     double magneticPi = 0.0;              // its q = +-1 part ("Perp. pi": E along z, B perpendicular)
     double strengthED = 0.0;              // 1e-20 cm^2
+    double strengthEDSigma = 0.0;         // its "Parallel sigma" part (E perpendicular to z)
+    double strengthEDPi = 0.0;            // its "Perp. pi" part (E along z)
     double strengthMD = 0.0;              // 1e-8 D^2
     double dipoleMD = 0.0;                // 1e-8 D^2
     double oscillatorED = 0.0;            // absorption from the lower level
@@ -78,7 +103,7 @@ struct TransitionLine {
 
 // The line between two levels given the summed squares (a row of lineSquaresFrom summed over the final level).
 TransitionLine transitionLine(const PropertyStates& states, int initialLevel, int finalLevel,
-                              const std::array<double, 6>& squares, const IntensityInput& input);
+                              const LineSquares& squares, const IntensityInput& input);
 
 // Lines from the level of state `initial` to the levels of the states
 // first..last (0-based, inclusive), one per level, the initial level left out.

@@ -13,6 +13,7 @@ PropertyStates emptyStatesOf(const Model& model) {
     PropertyStates states;
     states.electrons = model.setup().electrons;
     states.conjugate = model.conjugate();
+    states.fold = model.setup().crystalField ? model.setup().fold : 0;
     states.terms = model.tables().terms;
     states.jBasis = model.freeIonOperators().basis;
     states.basis = crystalFieldResultBasis(states.terms, states.jBasis);
@@ -106,6 +107,7 @@ PropertyStates crystalFieldStates(const Model& model, const ModelSolution& solut
 PropertyStates freeIonStates(const Model& model, const FreeIonSolution& solution, double wavenumbersPerUnit) {
     PropertyStates states = emptyStatesOf(model);
     states.freeIon = true;
+    states.fold = 0;
     for (std::size_t l = 0; l < solution.levels.size(); ++l) {
         const auto& level = solution.levels[l];
         const auto& jStates = states.jBasis.blocks[level.block].states;
@@ -131,6 +133,7 @@ PropertyStates freeIonStates(const Model& model, const FreeIonSolution& solution
 PropertyStates statesFromComponents(const Model& model, const std::vector<ComponentState>& given, bool freeIon) {
     PropertyStates states = emptyStatesOf(model);
     states.freeIon = freeIon;
+    if (freeIon) states.fold = 0;
     for (std::size_t g = 0; g < given.size(); ++g) {
         const auto& source = given[g];
         if (source.components.empty()) continue;

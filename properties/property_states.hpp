@@ -44,6 +44,7 @@ struct PropertyStates {
     int electrons = 0;        // of the actual configuration f^n
     bool conjugate = false;   // the basis and tables are those of f^(14-n)
     bool freeIon = false;     // states are the MJ components of free-ion multiplets
+    int fold = 0;             // of the site's main axis; 0 for free-ion states (axial to any order)
     std::vector<EngineTerm> terms;
     JBasis jBasis;
     ResultBasis basis;               // every |SL J MJ> state, by |SL J> state then MJ ascending

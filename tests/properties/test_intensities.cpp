@@ -202,5 +202,46 @@ TEST(Intensities, MeasuredLinesRefuseMalformedInput) {
     EXPECT_EQ(limited.rowsBeyondLimit, 1u);
 }
 
+// The ED polarisation split against the crystal quantum numbers of the two
+// levels (taken from the blocks, independently of the U(k) components): a pi
+// part needs a pair of members with Delta mu = 0 (mod fold), a sigma part one
+// with Delta mu = +-1. A misplaced component index Q breaks this. At folds 2
+// and 3 sigma + pi is the whole S(ED); at fold 4 the lines with only
+// Delta mu = 2 pairs are in neither polarisation.
+TEST(Intensities, ElectricDipolePolarisationFollowsTheCrystalQuantumNumber) {
+    using test::bkq;
+    for (const int fold : {2, 3, 4}) {
+        SCOPED_TRACE(fold);
+        std::vector<CrystalFieldRow> field = {bkq(2, 0, -300), bkq(4, 0, 500), bkq(6, 0, 400)};
+        for (int q = fold; q <= 6; q += fold)
+            for (int k = std::max(2, q % 2 == 0 ? q : q + 1); k <= 6; k += 2) field.push_back(bkq(k, q, 350.0 - 40 * k));
+        // Non-Kramers, so that levels with mu = 0 and mu = 2 exist.
+        const auto states = test::statesOf(test::praseodymiumLikeSet(2, 750, field, fold), true);
+        auto pairWith = [&](int a, int b, auto rule) {
+            for (int i : states.levelMembers(states.states[a].level))
+                for (int f : states.levelMembers(states.states[b].level)) {
+                    const int residue = (((states.states[f].twiceMu - states.states[i].twiceMu) / 2) % fold + fold) % fold;
+                    if (rule(residue)) return true;
+                }
+            return false;
+        };
+        IntensityInput input;
+        input.omega = {1.0, 2.0, 3.0};
+        int forbiddenLines = 0;
+        for (const auto& line : transitionLines(states, intensityOperators(states, kElectronSpinG), 0, 0, 60, input)) {
+            const double scale = 1e-9 * (line.strengthED + 1.0);
+            if (line.strengthEDPi > scale) EXPECT_TRUE(pairWith(line.initial, line.final, [](int r) { return r == 0; }));
+            if (line.strengthEDSigma > scale)
+                EXPECT_TRUE(pairWith(line.initial, line.final, [&](int r) { return r == 1 || r == fold - 1; }));
+            const double split = line.strengthEDPi + line.strengthEDSigma;
+            if (fold < 4) {
+                EXPECT_NEAR(split, line.strengthED, scale) << line.final;
+            }
+            forbiddenLines += split < scale && line.strengthED > scale;
+        }
+        EXPECT_EQ(forbiddenLines > 0, fold == 4);
+    }
+}
+
 }  // namespace
 }  // namespace orvane
