@@ -57,8 +57,7 @@ Spreadsheet::Spreadsheet(std::string sourceName, std::string sheetName, bool fro
     : source_(std::move(sourceName)), sheet_(std::move(sheetName)), workbook_(fromWorkbook) {}
 
 bool Spreadsheet::isSpreadsheetPath(const std::filesystem::path& path) {
-    const auto format = formatOf(path);
-    return format == SheetFormat::Xlsx || format == SheetFormat::Csv;
+    return formatOf(path) != SheetFormat::Other;
 }
 
 Spreadsheet Spreadsheet::open(const std::filesystem::path& path, std::string_view sheet) {

@@ -49,7 +49,8 @@ public:
     // Reads `sheet` (the first when empty) of an .xlsx file, or a .csv file
     // (which has no sheet names; a name is refused).
     static Spreadsheet open(const std::filesystem::path& path, std::string_view sheet = {});
-    // True for the extensions open() reads (".xlsx", ".csv", any case).
+    // True for the extensions of spreadsheets (".xlsx", ".csv", and ".xls",
+    // which open() refuses by name), in any case.
     static bool isSpreadsheetPath(const std::filesystem::path& path);
 
     const std::string& sourceName() const { return source_; }  // the file, for messages
@@ -69,7 +70,8 @@ public:
     std::vector<int> rowsBelow(int row) const;
 
     // `format` is a number format of the spreadsheet ("##0.00000",
-    // "0.0000E+00"); the value itself is stored exactly.
+    // "0.0000E+00"); the value itself is stored in full (CSV: exactly; .xlsx:
+    // 16 significant digits, as libxlsxwriter writes them).
     void setNumber(int row, int column, double value, std::string format = {});
     void setText(int row, int column, std::string text);
     // The cells of `row`, from column 0: numbers with `format`, text as text.
