@@ -35,8 +35,10 @@ void storeField(Spreadsheet& sheet, int row, int column, std::string& field, boo
     field.clear();
 }
 
-bool needsQuotes(std::string_view text, char separator) {
-    return text.find_first_of(std::string{separator, '"', ' ', '\t', '\r', '\n'}) != std::string_view::npos ||
+// Any of the separators a reader may take (a lone ";" in the first line would
+// make it the separator), quotes, blanks and line breaks.
+bool needsQuotes(std::string_view text) {
+    return text.find_first_of(",;\" \t\r\n") != std::string_view::npos ||
            parseNumber(trim(text)).has_value();
 }
 
@@ -90,7 +92,7 @@ std::string csvText(const Spreadsheet& sheet) {
         if (const auto* number = std::get_if<double>(&cell.value)) {
             text += numberText(*number, sheet.csvSignificantDigits());
         } else if (const auto* value = std::get_if<std::string>(&cell.value)) {
-            if (!needsQuotes(*value, ',')) text += *value;
+            if (!needsQuotes(*value)) text += *value;
             else {
                 text += '"';
                 for (char c : *value) text += c == '"' ? std::string("\"\"") : std::string(1, c);

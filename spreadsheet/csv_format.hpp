@@ -4,8 +4,9 @@
 // quotes may hold the separator, line breaks and doubled quotes ("""").
 // Reading: an unquoted field that is a whole number becomes a number cell,
 // any other field text (unquoted text without its blanks at both ends).
-// Writing: numbers bare; text in quotes when it holds a separator, a quote,
-// a blank or a line break, or would read back as a number.
+// Writing: "," between fields, numbers bare; text in quotes when it holds
+// ",", ";", a quote, a blank, a tab or a line break, or would read back as a
+// number.
 #include <string>
 #include <string_view>
 

@@ -50,9 +50,42 @@ long seekMemory(voidpf, voidpf stream, ZPOS64_T offset, int origin) {
 int closeMemory(voidpf, voidpf) { return 0; }
 int errorMemory(voidpf, voidpf) { return 0; }
 
-class ZipArchive {
+// Where the parts come from: the zip container, or (tests, fuzzing) a map.
+class PartSource {
 public:
-    ZipArchive(std::string_view bytes, const std::string& fileName) : memory_{bytes}, fileName_(fileName) {
+    explicit PartSource(std::string fileName) : fileName_(std::move(fileName)) {}
+    virtual ~PartSource() = default;
+    // The part's bytes, std::nullopt when the workbook has no such part.
+    virtual std::optional<std::string> part(const std::string& name) = 0;
+    std::string requiredPart(const std::string& name) {
+        auto content = part(name);
+        if (!content) fail(name, "is missing");
+        return *content;
+    }
+    [[noreturn]] void fail(const std::string& name, const std::string& problem) const {
+        throw SpreadsheetError(kTitle, fileName_ + ": the workbook's part " + name + " " + problem);
+    }
+    const std::string& fileName() const { return fileName_; }
+
+private:
+    std::string fileName_;
+};
+
+class MapParts : public PartSource {
+public:
+    MapParts(const XlsxParts& parts, const std::string& fileName) : PartSource(fileName), parts_(parts) {}
+    std::optional<std::string> part(const std::string& name) override {
+        const auto found = parts_.find(name);
+        return found == parts_.end() ? std::nullopt : std::optional(found->second);
+    }
+
+private:
+    const XlsxParts& parts_;
+};
+
+class ZipArchive : public PartSource {
+public:
+    ZipArchive(std::string_view bytes, const std::string& fileName) : PartSource(fileName), memory_{bytes} {
         zlib_filefunc64_def functions{openMemory, readMemory, writeMemory, tellMemory,
                                       seekMemory, closeMemory, errorMemory, &memory_};
         zip_ = unzOpen2_64("memory", &functions);
@@ -62,8 +95,7 @@ public:
     ZipArchive(const ZipArchive&) = delete;
     ZipArchive& operator=(const ZipArchive&) = delete;
 
-    // The part's bytes, std::nullopt when the archive has no such part.
-    std::optional<std::string> part(const std::string& name) {
+    std::optional<std::string> part(const std::string& name) override {
         if (unzLocateFile(zip_, name.c_str(), 1) != UNZ_OK) return std::nullopt;
         unz_file_info64 info{};
         if (unzGetCurrentFileInfo64(zip_, &info, nullptr, 0, nullptr, 0, nullptr, 0) != UNZ_OK ||
@@ -77,18 +109,9 @@ public:
         if (read != static_cast<int>(content.size()) || more || !intact) fail(name, "is damaged");
         return content;
     }
-    std::string requiredPart(const std::string& name) {
-        auto content = part(name);
-        if (!content) fail(name, "is missing");
-        return *content;
-    }
-    [[noreturn]] void fail(const std::string& name, const std::string& problem) const {
-        throw SpreadsheetError(kTitle, fileName_ + ": the workbook's part " + name + " " + problem);
-    }
 
 private:
     MemoryStream memory_;
-    std::string fileName_;
     unzFile zip_ = nullptr;
 };
 
@@ -120,7 +143,7 @@ std::string_view attribute(pugi::xml_node node, std::string_view name, bool pref
     return {};
 }
 
-pugi::xml_document parseXml(ZipArchive& zip, const std::string& name, const std::string& content) {
+pugi::xml_document parseXml(PartSource& zip, const std::string& name, const std::string& content) {
     pugi::xml_document document;
     const auto result = document.load_buffer(content.data(), content.size());
     if (!result) zip.fail(name, fmt::format("is not well-formed XML ({} at byte {})", result.description(), result.offset));
@@ -162,7 +185,7 @@ std::string stringItem(pugi::xml_node item) {
     return text;
 }
 
-std::vector<std::string> sharedStrings(ZipArchive& zip) {
+std::vector<std::string> sharedStrings(PartSource& zip) {
     std::vector<std::string> strings;
     const std::string name = "xl/sharedStrings.xml";
     const auto content = zip.part(name);
@@ -227,10 +250,8 @@ struct CellReader {
     }
 };
 
-}  // namespace
-
-Spreadsheet parseXlsx(std::string_view bytes, const std::string& fileName, std::string_view sheetName) {
-    ZipArchive zip(bytes, fileName);
+Spreadsheet readWorkbook(PartSource& zip, std::string_view sheetName) {
+    const std::string& fileName = zip.fileName();
     const std::string workbookName = "xl/workbook.xml", relationsName = "xl/_rels/workbook.xml.rels";
     const auto workbook = parseXml(zip, workbookName, zip.requiredPart(workbookName));
     const auto sheets = sheetsOf(workbook);
@@ -255,6 +276,18 @@ Spreadsheet parseXlsx(std::string_view bytes, const std::string& fileName, std::
     Spreadsheet sheet(fileName, entry->name, true);
     CellReader{sheet, strings}.readRows(child(child(document, "worksheet"), "sheetData"));
     return sheet;
+}
+
+}  // namespace
+
+Spreadsheet parseXlsx(std::string_view bytes, const std::string& fileName, std::string_view sheet) {
+    ZipArchive zip(bytes, fileName);
+    return readWorkbook(zip, sheet);
+}
+
+Spreadsheet parseXlsxParts(const XlsxParts& parts, const std::string& fileName, std::string_view sheet) {
+    MapParts source(parts, fileName);
+    return readWorkbook(source, sheet);
 }
 
 }  // namespace orvane

@@ -46,7 +46,7 @@ void writeBytes(const std::filesystem::path& path, const std::string& bytes) { s
 // like a number, numbers that need all their digits, gaps.
 Spreadsheet sampleSheet() {
     Spreadsheet sheet;
-    sheet.setRow(0, {"State Label", "a, \"quoted\" text", "two\nlines", "12"});
+    sheet.setRow(0, {"State Label", "a, \"quoted\" text", "two\nlines", "12", "x;y"});
     sheet.setRow(1, {1.0 / 3.0, -0.5, 1e-300, 6.02214076e23});
     sheet.setNumber(4, 5, -218.25, "##0.00000");
     sheet.setText(4, 2, "4I9/2(3/2)");
@@ -78,6 +78,10 @@ TEST(Spreadsheet, CsvAndXlsxGiveBackEveryCell) {
         sheet.save(kScratch / name);
         expectSameCells(sheet, Spreadsheet::open(kScratch / name), name);
     }
+    Spreadsheet oneColumn;  // a first line without a comma: ";" in it must not become the separator
+    oneColumn.setRow(0, {"x;y"});
+    oneColumn.setRow(1, {2.0});
+    expectSameCells(oneColumn, parseCsv(csvText(oneColumn), "one.csv"), "one column");
     // Separators other than the comma, CR LF line ends, blanks around unquoted fields.
     const auto semicolons = parseCsv("T;\"X(Average)\"\r\n 2 ; 0.5\r\n", "t.csv");
     EXPECT_EQ(semicolons.cell(1, 0), SheetValue(2.0));
