@@ -1,10 +1,6 @@
-"""Workbooks for the spreadsheet tests, written and read by an independent
-reader (openpyxl) or put together part by part (zipfile).
-
-  workbooks.py read FILE             every cell of the first sheet: "row col kind value"
-  workbooks.py levels FILE           a "Notes" sheet, then "Levels" with observed levels
-  workbooks.py part FILE KIND        a workbook assembled from XML parts (KIND below)
-"""
+"""Workbooks for the spreadsheet tests: read FILE (every cell of the first
+sheet as "row col kind value"), levels FILE (written by openpyxl), part FILE
+KIND (put together from XML parts)."""
 import sys
 import zipfile
 
