@@ -2,8 +2,10 @@
 // file's free-ion and crystal-field parameters to observed levels
 // (docs/fitting.md). Prints the cycle lines and the tables, writes the fitted
 // parameter file (the input's layout with the fitted values and the fit
-// section) and, with --csv, the level table. Ctrl-C stops between cycles and
-// keeps the best parameters seen.
+// section) and, with --csv or --xlsx, the level table; --parameters-xlsx
+// writes the fitted values as a "Parameter"/"Value" sheet, which --values
+// reads as start values (docs/spreadsheets.md). Ctrl-C stops between cycles
+// and keeps the best parameters seen.
 #include <atomic>
 #include <iostream>
 #include <memory>
@@ -20,6 +22,7 @@
 #include "cli/property_run.hpp"
 #include "core/atomic_file.hpp"
 #include "core/log_book.hpp"
+#include "core/number_format.hpp"
 #include "core/user_error.hpp"
 #include "engine/parameter_file.hpp"
 #include "fit/fit_errors.hpp"
@@ -27,6 +30,8 @@
 #include "fit/fit_session.hpp"
 #include "fit/fit_tables.hpp"
 #include "fit/observed_levels_file.hpp"
+#include "fit/observed_levels_sheet.hpp"
+#include "fit/parameter_sheet.hpp"
 #include "fit/ultimate_fit.hpp"
 #include "fit/workspace_functions.hpp"
 #include "interactive/command_line_asker.hpp"
@@ -39,6 +44,8 @@ namespace {
 struct FitOptions {
     std::string file;
     std::string observed;
+    std::string sheet;   // the workbook sheet of the observed levels ("" the first)
+    std::string values;  // a "Parameter"/"Value" sheet of start values
     std::string grasp;
     bool graspZero = false;
     std::vector<std::string> free, fix, link;
@@ -50,6 +57,8 @@ struct FitOptions {
     bool errors = false;
     bool correlations = false;
     std::string csv;
+    std::string xlsx;
+    std::string parametersXlsx;
     std::string output;
     bool complex = false;
     bool freeIon = false;
@@ -83,7 +92,7 @@ FitWorkspace workspaceOf(const ParameterSet& set, const FitOptions& options) {
         CommandLineAsker asker(std::cerr, {}, {options.graspZero ? Choice::Yes : Choice::No});
         workspace.levels = *askGraspObservedLevels(asker, options.grasp);
     } else {
-        auto observed = readObservedLevelsFile(observedLevelsPath(options.observed));
+        auto observed = readObservedLevelsFile(observedLevelsPath(options.observed), options.sheet);
         workspace.levels = std::move(observed.levels);
         workspace.gFactors = std::move(observed.gFactors);
     }
@@ -182,7 +191,8 @@ void printFunctions(FitSession& session, LogBook& log) {
 
 void fitParameterFile(const FitOptions& options) {
     TerminalLogBook log(LogRole::Narration);
-    const auto set = readParameterFileForRun(options.file);
+    auto set = readParameterFileForRun(options.file);
+    if (!options.values.empty()) set = withSheetParameterValues(set, Spreadsheet::open(options.values));
     auto workspace = workspaceOf(set, options);
     CommandLineAsker asker(std::cerr, {}, options.yes ? std::vector{Choice::Yes, Choice::Yes} : std::vector<Choice>{});
     if (!options.eavOnly) {
@@ -229,6 +239,9 @@ void fitParameterFile(const FitOptions& options) {
     writeParameterFile(output, withFittedValues(set, result.parameters));
     report.appendLine("Fitted parameters: " + output.string());
     if (!options.csv.empty()) writeFileAtomically(options.csv, levelTableCsv(result));
+    const std::string date = formatDate(localNow());
+    if (!options.xlsx.empty()) observedLevelsSheet(result.levels, result.gFactors, date, true).save(options.xlsx);
+    if (!options.parametersXlsx.empty()) fittedParameterSheet(result.parameters, date).save(options.parametersXlsx);
 }
 
 }  // namespace
@@ -239,7 +252,11 @@ void addFitCommand(CLI::App& app) {
     command->add_option("FILE", options->file, "parameter file (.par)")->required();
     auto* observed = command->add_option(
         "--observed", options->observed,
-        "observed levels (docs/observed-levels-file.md); default: defaulteng.txt beside the program");
+        "observed levels: a text file (docs/observed-levels-file.md) or a .xlsx/.csv sheet with \"State Label\" and "
+        "\"Obs.Energy\" (docs/spreadsheets.md); default: defaulteng.txt beside the program");
+    command->add_option("--sheet", options->sheet, "the sheet of an --observed workbook (default: the first)");
+    command->add_option("--values", options->values,
+                        "start values from a .xlsx/.csv sheet with \"Parameter\" and \"Value\" (docs/spreadsheets.md)");
     command->add_option("--grasp", options->grasp, "free-ion energies from a GRASP2K level listing as observed levels")
         ->excludes(observed);
     command->add_flag("--grasp-zero", options->graspZero, "the lowest GRASP2K energy becomes the zero of energy");
@@ -259,6 +276,9 @@ void addFitCommand(CLI::App& app) {
     command->add_flag("--errors", options->errors, "fit errors of the parameters and levels");
     command->add_flag("--correlations", options->correlations, "fit errors and the correlation coefficients");
     command->add_option("--csv", options->csv, "also write the level table as CSV to FILE");
+    command->add_option("--xlsx", options->xlsx, "also write the level table as .xlsx to FILE (readable by --observed)");
+    command->add_option("--parameters-xlsx", options->parametersXlsx,
+                        "also write the fitted parameters as .xlsx to FILE (readable by --values)");
     command->add_option("-o,--output", options->output, "fitted parameter file (default FILE_fit.par)");
     auto* freeIon = command->add_flag("--free-ion", options->freeIon, "fit free-ion levels (J-multiplets)");
     command->add_flag("--complex", options->complex, "complex crystal field (Im Bkq fitted too)")->excludes(freeIon);

@@ -1,8 +1,8 @@
 // The property commands: `orvane states`, `gfactors`, `moments`, `chi`,
 // `intensities` and `jo-fit` (docs/cli.md, docs/properties.md). Each runs the
-// engine on a parameter file, prints its report and, with --csv, a plain
-// table: state numbers 1-based in ascending energy, energies in cm^-1 above
-// the lowest state.
+// engine on a parameter file, prints its report and, with --csv or --xlsx,
+// a table: state numbers 1-based in ascending energy, energies in cm^-1
+// above the lowest state.
 #include <algorithm>
 #include <cmath>
 #include <memory>
@@ -26,11 +26,10 @@
 #include "interactive/property_dialogs.hpp"
 #include "properties/state_composition.hpp"
 #include "properties/susceptibility.hpp"
+#include "properties/susceptibility_sheet.hpp"
 
 namespace orvane::cli {
 namespace {
-
-std::string csvNumber(double value) { return fmt::format("{:.10g}", value); }
 
 std::string spinGNote(double spinG) { return "Magnetic moment mu = -muB (L + gs S), gs = " + fmt::format("{:.10g}", spinG); }
 
@@ -56,8 +55,7 @@ void statesCommand(const StatesOptions& options) {
     if (options.state > 0) chosen.push_back(stateIndex(run, options.state, "--state"));
     else
         chosen = numberedStates(run);
-    std::ostringstream csv;
-    csv << "state,energy,component,re,im\n";
+    PropertyTable table({"state", "energy", "component", "re", "im"}, {"", "######0.0000", "", "#0.00000", "#0.00000"});
     for (int i : chosen) {
         const auto composition = stateComposition(states, i, options.minComponent);
         log.appendLine(fmt::format("Statevector # {}   Energy = {}", stateNumber(run, i),
@@ -67,16 +65,20 @@ void statesCommand(const StatesOptions& options) {
             std::string text = fmt::format("{:<18}{}", line.label, formatNumber(line.coefficient.real(), "#0.00000"));
             if (complex) text += "  " + formatNumber(line.coefficient.imag(), "#0.00000");
             log.appendLine(text);
-            csv << stateNumber(run, i) << ',' << csvNumber(composition.energy) << ",\"" << line.label << "\","
-                << csvNumber(line.coefficient.real()) << ',' << csvNumber(line.coefficient.imag()) << '\n';
+            table.add({double(stateNumber(run, i)), composition.energy, line.label, line.coefficient.real(),
+                       line.coefficient.imag()});
         }
         log.appendLine(fmt::format("Subtotal {} {}", formatNumber(100.0 * composition.subtotal, "###0.00"),
                                    formatNumber(composition.subtotal, "#0.#####")));
     }
-    writeCsv(options.run, csv.str());
+    writeTable(options.run, table);
 }
 
 // ---- gfactors ----
+
+// The g-factor table's columns and their formats (g values "#0.00000").
+const std::vector<std::string> kGFactorFormats = {"", "", "######0.0000", "#0.00000", "#0.00000", "#0.00000",
+                                                  "##0.00", "##0.00", "##0.00", "#0.00000", "#0.00000"};
 struct GFactorOptions {
     PropertyRunOptions run;
     std::string states;  // list of state numbers, "" all
@@ -86,8 +88,7 @@ struct GFactorOptions {
 void freeIonGFactors(const PropertyRun& run, const TensorOperator& moment, const PropertyRunOptions& options) {
     auto& log = reportLog(options);
     log.appendLine(spinGNote(run.spinG));
-    std::ostringstream csv;
-    csv << "first,second,energy,gx,gy,gz\n";
+    PropertyTable table({"first", "second", "energy", "gx", "gy", "gz"}, kGFactorFormats);
     for (int first : numberedStates(run)) {
         const int last = run.states.levelMembers(run.states.states[first].level).back();
         const int twiceJ = run.states.states[last].twiceMu;
@@ -98,10 +99,9 @@ void freeIonGFactors(const PropertyRun& run, const TensorOperator& moment, const
         const double energy = run.states.relativeEnergy(first);
         log.appendLine(fmt::format("g values for multiplet # {} ({} cm-1): gJ = {}", number,
                                    formatNumber(energy, "######0.0000"), propertyText(g, options, "#0.0000")));
-        csv << number << ',' << number << ',' << csvNumber(energy) << ',' << csvNumber(g) << ',' << csvNumber(g) << ','
-            << csvNumber(g) << '\n';
+        table.add({double(number), double(number), energy, g, g, g});
     }
-    writeCsv(options, csv.str());
+    writeTable(options, table);
 }
 
 void gFactorsCommand(const GFactorOptions& options) {
@@ -127,8 +127,9 @@ void gFactorsCommand(const GFactorOptions& options) {
     }
     const bool quasi = !run.states.kramers();
     log.appendLine(spinGNote(run.spinG));
-    std::ostringstream csv;
-    csv << "first,second,energy,gx,gy,gz,alpha,beta,gamma" << (quasi ? ",gz1,gz2" : "") << '\n';
+    std::vector<std::string> columns = {"first", "second", "energy", "gx", "gy", "gz", "alpha", "beta", "gamma"};
+    if (quasi) columns.insert(columns.end(), {"gz1", "gz2"});
+    PropertyTable table(columns, kGFactorFormats);
     for (const auto& [first, second] : pairs) {
         const auto g = doubletGFactors(run.states, moment, first, second);
         const double energy = run.states.relativeEnergy(first);
@@ -142,13 +143,13 @@ void gFactorsCommand(const GFactorOptions& options) {
         log.appendLine(fmt::format("principal axes (alpha, beta, gamma) = ({}, {}, {}) degrees",
                                    formatNumber(g.eulerAngles[0], "##0.00"), formatNumber(g.eulerAngles[1], "##0.00"),
                                    formatNumber(g.eulerAngles[2], "##0.00")));
-        csv << first + 1 << ',' << second + 1 << ',' << csvNumber(energy);
-        for (double v : g.g) csv << ',' << csvNumber(v);
-        for (double v : g.eulerAngles) csv << ',' << csvNumber(v);
-        if (quasi) csv << ',' << csvNumber(g.gz1) << ',' << csvNumber(g.gz2);
-        csv << '\n';
+        std::vector<SheetValue> row = {double(first + 1), double(second + 1), energy};
+        for (double v : g.g) row.emplace_back(v);
+        for (double v : g.eulerAngles) row.emplace_back(v);
+        if (quasi) row.insert(row.end(), {g.gz1, g.gz2});
+        table.add(row);
     }
-    writeCsv(options.run, csv.str());
+    writeTable(options.run, table);
 }
 
 // ---- moments ----
@@ -180,21 +181,24 @@ void momentsCommand(const RangeOptions& options) {
     log.appendLine(fmt::format("matrix elements of magnetic moments (in unit of Bohr magnetron) for initial state# i={}",
                                stateNumber(run, initial)));
     log.appendLine("# j    <i|mx|j>   <i|my|j>   <i|mz|j>   <i|mx|j>^2 <i|my|j>^2 <i|mz|j>^2");
-    std::ostringstream csv;
-    csv << "i,j,mx2,my2,mz2,mx_re,mx_im,my_re,my_im,mz_re,mz_im" << (run.states.freeIon ? ",twiceM_j" : "") << '\n';
+    std::vector<std::string> columns = {"i", "j", "mx2", "my2", "mz2", "mx_re", "mx_im", "my_re", "my_im", "mz_re", "mz_im"};
+    if (run.states.freeIon) columns.push_back("twiceM_j");
+    std::vector<std::string> formats(columns.size(), "##0.00000");
+    formats[0] = formats[1] = formats.back() = "";
+    PropertyTable table(columns, formats);
     for (const auto& row : momentRows(run.states, moment, initial, first, last)) {
         std::string line = fmt::format("{:>3}", stateNumber(run, row.j));
         if (run.states.freeIon) line += fmt::format(" 2M={:>3}", run.states.states[row.j].twiceMu);
         for (int a = 0; a < 3; ++a) line += "  " + elementText(row.element(a), options.run);
         for (int a = 0; a < 3; ++a) line += "  " + propertyText(std::norm(row.element(a)), options.run, "##0.00000");
         log.appendLine(line);
-        csv << stateNumber(run, initial) << ',' << stateNumber(run, row.j);
-        for (int a = 0; a < 3; ++a) csv << ',' << csvNumber(std::norm(row.element(a)));
-        for (int a = 0; a < 3; ++a) csv << ',' << csvNumber(row.element(a).real()) << ',' << csvNumber(row.element(a).imag());
-        if (run.states.freeIon) csv << ',' << run.states.states[row.j].twiceMu;
-        csv << '\n';
+        std::vector<SheetValue> values = {double(stateNumber(run, initial)), double(stateNumber(run, row.j))};
+        for (int a = 0; a < 3; ++a) values.emplace_back(std::norm(row.element(a)));
+        for (int a = 0; a < 3; ++a) values.insert(values.end(), {row.element(a).real(), row.element(a).imag()});
+        if (run.states.freeIon) values.emplace_back(double(run.states.states[row.j].twiceMu));
+        table.add(values);
     }
-    writeCsv(options.run, csv.str());
+    writeTable(options.run, table);
 }
 
 // ---- chi ----
@@ -247,15 +251,14 @@ void chiCommand(const ChiOptions& options) {
     log.appendLine(spinGNote(run.spinG));
     log.appendLine("Magnetic Susceptibility results (unit: emu/mol)");
     log.appendLine("Temperature/K  X(Average)    X(x)          X(y)          X(z)");
-    std::ostringstream csv;
-    csv << "T,chi_x,chi_y,chi_z,chi_avg\n";
+    PropertyTable results({"T", "chi_x", "chi_y", "chi_z", "chi_avg"});
+    std::vector<SusceptibilityPoint> points;
     for (double t : grid) {
         const auto point = susceptibilityAt(table, t);
         log.appendLine(fmt::format("{}  {}  {}  {}  {}", formatNumber(t, "##0.0000"), chiText(point.average(), &options.run),
                                    chiText(point.chi[0], &options.run), chiText(point.chi[1], &options.run), chiText(point.chi[2], &options.run)));
-        csv << csvNumber(t);
-        for (double chi : point.chi) csv << ',' << csvNumber(chi);
-        csv << ',' << csvNumber(point.average()) << '\n';
+        results.add({t, point.chi[0], point.chi[1], point.chi[2], point.average()});
+        points.push_back(point);
     }
     if (options.curie) {
         const auto point = susceptibilityAt(table, curieTemperature);
@@ -278,7 +281,8 @@ void chiCommand(const ChiOptions& options) {
             log.appendLine(fmt::format("{}  {}  {}", formatNumber(point.temperature, "##0.0000"), chiText(point.average, &options.run),
                                        chiText(susceptibilityAt(table, point.temperature).average(), &options.run)));
     }
-    writeCsv(options.run, csv.str());
+    const auto exported = susceptibilitySheet(points, formatDate(localNow()));
+    writeTable(options.run, results, &exported);
 }
 
 // ---- intensities ----
@@ -341,8 +345,8 @@ void intensitiesCommand(const IntensityOptions& options) {
     }
     log.appendLine("State@Energy      lambda /nm   k/cm^-1  S(ED) calc.  A(ED) /s^-1  S(MD) /E-8*D^2  D(MD) /E-8*D^2  "
                    "f(MD) /E-8  A(MD) /s^-1  A(EQ) /s^-1  Atotal /s^-1");
-    std::ostringstream csv;
-    csv << "initial,final,wavenumber,U2,U4,U6,S_ED,A_ED,MD2,S_MD,f_MD,A_MD,A_EQ,S_ED_sigma,S_ED_pi,MD2_sigma,MD2_pi\n";
+    PropertyTable table({"initial", "final", "wavenumber", "U2", "U4", "U6", "S_ED", "A_ED", "MD2", "S_MD", "f_MD", "A_MD",
+                         "A_EQ", "S_ED_sigma", "S_ED_pi", "MD2_sigma", "MD2_pi"});
     double emissionSum = 0.0;
     for (const auto& line : lines) {
         const double total = line.rateED + line.rateMD + line.rateEQ;
@@ -365,18 +369,19 @@ void intensitiesCommand(const IntensityOptions& options) {
             log.appendLine("      MD2 = " + formatNumber(line.magneticSquare, "#0.00000") + ": Parallel sigma " +
                            formatNumber(line.magneticSigma, "#0.00000") + ", Perp. pi " +
                            formatNumber(line.magneticPi, "#0.00000"));
-        csv << stateNumber(run, initial) << ',' << stateNumber(run, line.final) << ',' << csvNumber(line.wavenumber);
-        for (double u : line.unitSquares) csv << ',' << csvNumber(u);
+        std::vector<SheetValue> values = {double(stateNumber(run, initial)), double(stateNumber(run, line.final)),
+                                          line.wavenumber};
+        for (double v : line.unitSquares) values.emplace_back(v);
         for (double v : {line.strengthED, line.rateED, line.magneticSquare, line.strengthMD, line.oscillatorMD,
                          line.rateMD, line.rateEQ, line.strengthEDSigma, line.strengthEDPi, line.magneticSigma,
                          line.magneticPi})
-            csv << ',' << csvNumber(v);
-        csv << '\n';
+            values.emplace_back(v);
+        table.add(values);
     }
     if (emissionSum > 0.0)
         log.appendLine("tau(rad) /ms = " + formatNumber(1000.0 / emissionSum, "#0.00000") +
                        " (emission to the listed lower levels)");
-    writeCsv(options.range.run, csv.str());
+    writeTable(options.range.run, table);
 }
 
 // ---- jo-fit ----
@@ -406,20 +411,18 @@ void juddOfeltCommand(const JuddOfeltOptions& options) {
     const auto fit = fitJuddOfelt(observations);
     log.appendLine("Correlation matrix and values of Judd-Ofelt parameters (1E-20 cm^2) for " + run.set.title);
     const char* names[] = {"Omega2", "Omega4", "Omega6"};
-    std::ostringstream csv;
-    csv << "parameter,value,uncertainty,corr2,corr4,corr6\n";
+    PropertyTable table({"parameter", "value", "uncertainty", "corr2", "corr4", "corr6"},
+                        {"", "##0.0##", "##0.0##", "#0.0###", "#0.0###", "#0.0###"});
     for (int a = 0; a < 3; ++a) {
         std::string text = fmt::format("{:<8}", names[a]);
         for (int b = 0; b < 3; ++b) text += " " + formatNumber(fit.correlation(a, b), "#0.0###");
         const double sigma = std::sqrt(std::max(0.0, fit.covariance(a, a)));
         text += "   " + formatNumber(fit.omega[a], "##0.0##") + " +- " + formatNumber(sigma, "##0.0##");
         log.appendLine(text);
-        csv << names[a] << ',' << csvNumber(fit.omega[a]) << ',' << csvNumber(sigma);
-        for (int b = 0; b < 3; ++b) csv << ',' << csvNumber(fit.correlation(a, b));
-        csv << '\n';
+        table.add({names[a], fit.omega[a], sigma, fit.correlation(a, 0), fit.correlation(a, 1), fit.correlation(a, 2)});
     }
     log.appendLine("rms deviation (1E-20 cm^2) = " + formatNumber(fit.rms, "##0.0###"));
-    writeCsv(options.run, csv.str());
+    writeTable(options.run, table);
 }
 
 template <typename Options, typename Run>
@@ -462,7 +465,7 @@ void addPropertyCommands(CLI::App& app) {
                       "\"LOW HIGH [STEP]\" in K (default \"0.001 300\"; 0 is taken as 0.01; no STEP: logarithmic grid)");
         c->add_option("--curie", options->curie, "temperature (K) of the Curie constant and effective moment (0: 0.001)")->check(kFiniteNumber);
         c->add_option("--measured", options->measured,
-                      "CSV of measured susceptibility (columns \"Temperature\" and \"Average\") to compare with");
+                      "measured susceptibility (.xlsx or CSV, columns \"Temperature\" and \"Average\") to compare with");
         c->add_flag("--ignore-extra-rows", options->ignoreExtraRows,
                     "read only the first rows of a measured file longer than the limit");
         registerCommand(c, options, chiCommand);

@@ -19,6 +19,7 @@
 #include "engine/parameter_vector.hpp"
 #include "params/energy_units.hpp"
 #include "report/state_vector_file.hpp"
+#include "spreadsheet/csv_format.hpp"
 #include "tables/table_directory.hpp"
 
 namespace orvane::cli {
@@ -32,6 +33,7 @@ void addPropertyRunOptions(CLI::App& command, PropertyRunOptions& options) {
     command.add_option("--vectors", options.vectors,
                        "state-vector file (.ev) of an earlier run of FILE: its stored states instead of a new solve");
     command.add_option("--csv", options.csv, "also write the results as a CSV table to FILE (- for standard output)");
+    command.add_option("--xlsx", options.xlsx, "also write the results as an .xlsx workbook to FILE (dated, formatted)");
     command.add_option("--accuracy", options.accuracy,
                        "decimal places of printed g-factors, moments and susceptibilities, or a limit such as 1E-5");
 }
@@ -115,13 +117,29 @@ LogBook& reportLog(const PropertyRunOptions& options) {
     return out;
 }
 
-void writeCsv(const PropertyRunOptions& options, const std::string& text) {
-    if (options.csv.empty()) return;
-    if (options.csv == "-") {
-        std::cout << text;
-        return;
+PropertyTable::PropertyTable(const std::vector<std::string>& columns, std::vector<std::string> formats)
+    : formats_(std::move(formats)) {
+    for (std::size_t c = 0; c < columns.size(); ++c) sheet_.setText(0, static_cast<int>(c), columns[c]);
+    sheet_.setCsvSignificantDigits(10);
+}
+
+void PropertyTable::add(const std::vector<SheetValue>& values) {
+    const int row = sheet_.rowCount();
+    for (std::size_t c = 0; c < values.size(); ++c) {
+        const int column = static_cast<int>(c);
+        if (const auto* number = std::get_if<double>(&values[c]))
+            sheet_.setNumber(row, column, *number, c < formats_.size() ? formats_[c] : std::string());
+        else if (const auto* text = std::get_if<std::string>(&values[c]))
+            sheet_.setText(row, column, *text);
     }
-    writeFileAtomically(options.csv, text);
+}
+
+void writeTable(const PropertyRunOptions& options, const PropertyTable& table, const Spreadsheet* exported) {
+    if (options.csv == "-") std::cout << csvText(table.sheet());
+    else if (!options.csv.empty())
+        writeFileAtomically(options.csv, csvText(table.sheet()));
+    if (!options.xlsx.empty())
+        (exported ? *exported : table.sheet().withDateRow(formatDate(localNow()))).save(options.xlsx);
 }
 
 void runPropertyCommand(const std::function<void()>& body) {

@@ -1,8 +1,9 @@
 #pragma once
 // The shared front of the property commands (`orvane states`, `gfactors`,
 // `moments`, `chi`, `intensities`, `jo-fit`): run the engine in-process on a
-// parameter file and hand its eigenstates to the properties library; write a
-// CSV table to a file (atomically) or to standard output.
+// parameter file and hand its eigenstates to the properties library; write
+// the result table as CSV (to a file, atomically, or to standard output)
+// and as .xlsx.
 #include <functional>
 #include <iosfwd>
 #include <string>
@@ -15,6 +16,7 @@
 #include "core/log_book.hpp"
 #include "engine/parameter_set.hpp"
 #include "properties/property_states.hpp"
+#include "spreadsheet/spreadsheet.hpp"
 
 namespace orvane::cli {
 
@@ -25,6 +27,7 @@ struct PropertyRunOptions {
     double spinG = 0.0;  // 0: the free-electron value
     std::string tableDirectory;
     std::string csv;     // "" none, "-" standard output
+    std::string xlsx;    // "" none
     std::string vectors;   // a state-vector file (.ev) of an earlier run instead of solving
     std::string accuracy;  // decimal places, or an accuracy limit such as 1E-5; "" the default pictures
 };
@@ -33,7 +36,7 @@ struct PropertyRunOptions {
 // places of --accuracy (a limit 1E-d gives d places).
 std::string propertyText(double value, const PropertyRunOptions& options, std::string_view defaultPicture);
 
-// Adds FILE, --free-ion, --complex, --gs, --tables and --csv.
+// Adds FILE, --free-ion, --complex, --gs, --tables, --vectors, --csv, --xlsx and --accuracy.
 void addPropertyRunOptions(CLI::App& command, PropertyRunOptions& options);
 
 struct PropertyRun {
@@ -48,8 +51,23 @@ PropertyRun runForProperties(const PropertyRunOptions& options, LogBook& log);
 // The report goes to standard output unless the CSV does.
 LogBook& reportLog(const PropertyRunOptions& options);
 
-// Writes the CSV text when asked.
-void writeCsv(const PropertyRunOptions& options, const std::string& text);
+// The result table of a command: a row of column names, then one row per
+// result; each column's numbers carry its number format in the .xlsx.
+class PropertyTable {
+public:
+    PropertyTable(const std::vector<std::string>& columns, std::vector<std::string> formats = {});
+    void add(const std::vector<SheetValue>& values);
+    const Spreadsheet& sheet() const { return sheet_; }
+
+private:
+    Spreadsheet sheet_;
+    std::vector<std::string> formats_;
+};
+
+// Writes the table when asked: --csv with numbers of 10 significant digits;
+// --xlsx with the date "YYYY-MM-DD" in A1 above it, or `exported` (a sheet
+// already in its export form) instead.
+void writeTable(const PropertyRunOptions& options, const PropertyTable& table, const Spreadsheet* exported = nullptr);
 
 // Runs `body`, mapping UserError and std::exception to exit code 1 with the message on stderr.
 void runPropertyCommand(const std::function<void()>& body);

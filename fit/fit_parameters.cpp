@@ -41,6 +41,12 @@ std::string fittedText(double value) {
     return text;
 }
 
+bool isMainFreeIonCell(const ParameterSet& set, const ParameterCell* cell) {
+    for (const auto& row : set.mainFreeIon)
+        if (&row.cell == cell) return true;
+    return false;
+}
+
 void setCell(ParameterCell& cell, double value) {
     cell.text = fittedText(value);
     cell.value = std::stod(cell.text);
@@ -184,34 +190,36 @@ ParameterVector fitParameterVector(const ParameterVector& base, const std::vecto
     return vector;
 }
 
-ParameterSet withFittedValues(const ParameterSet& set, const std::vector<FitParameter>& rows) {
-    ParameterSet out = set;
+ParameterCell* findParameterCell(ParameterSet& set, std::string_view name) {
     using namespace parameter;
     const ParameterId mainIds[] = {kEavg, kF2, kF4, kF6, kZeta};
-    for (std::size_t i = 0; i < out.mainFreeIon.size(); ++i)
-        for (const auto& row : rows)
-            if (row.id == mainIds[i]) setCell(out.mainFreeIon[i].cell, row.finalFit);
-    for (auto& other : out.otherFreeIon) {
-        const auto* row = findFitParameter(rows, other.name);
-        if (!row) continue;
-        const bool keepsMultiple = row->option == kFitOptionLinked && row->linkRatio &&
-                                   (row->linkedTo == "M0" || row->linkedTo == "P2");
-        if (!keepsMultiple) setCell(other.cell, row->finalFit);
+    for (std::size_t i = 0; i < set.mainFreeIon.size(); ++i)
+        if (fitParameterName(mainIds[i]) == name) return &set.mainFreeIon[i].cell;
+    for (auto& other : set.otherFreeIon)
+        if (other.name == name) return &other.cell;
+    const auto cellOf = [name](CrystalFieldRow& row, CrystalFieldOperator op) -> ParameterCell* {
+        for (int imaginary = 0; imaginary < 2; ++imaginary)
+            if (fitParameterName(crystalFieldParameterId(op, row.k, row.q, imaginary == 1)) == name)
+                return imaginary ? &row.im : &row.re;
+        return nullptr;
+    };
+    for (auto& row : set.crystalField)
+        if (auto* cell = cellOf(row, CrystalFieldOperator::Standard)) return cell;
+    for (auto& section : set.correlationCF)
+        for (auto& row : section.rows)
+            if (auto* cell = cellOf(row, operatorOf(section.kind))) return cell;
+    return nullptr;
+}
+
+ParameterSet withFittedValues(const ParameterSet& set, const std::vector<FitParameter>& rows) {
+    ParameterSet out = set;
+    for (const auto& row : rows) {
+        const bool keepsMultiple = row.option == kFitOptionLinked && row.linkRatio &&
+                                   (row.linkedTo == "M0" || row.linkedTo == "P2");
+        auto* cell = findParameterCell(out, row.name);
+        if (!cell || (keepsMultiple && !isMainFreeIonCell(out, cell))) continue;
+        setCell(*cell, row.finalFit);
     }
-    for (auto& cf : out.crystalField) {
-        for (int imaginary = 0; imaginary < 2; ++imaginary) {
-            const auto id = crystalFieldParameterId(CrystalFieldOperator::Standard, cf.k, cf.q, imaginary == 1);
-            const auto* row = findFitParameter(rows, fitParameterName(id));
-            if (row) setCell(imaginary ? cf.im : cf.re, row->finalFit);
-        }
-    }
-    for (auto& section : out.correlationCF)
-        for (auto& cf : section.rows)
-            for (int imaginary = 0; imaginary < 2; ++imaginary) {
-                const auto id = crystalFieldParameterId(operatorOf(section.kind), cf.k, cf.q, imaginary == 1);
-                const auto* row = findFitParameter(rows, fitParameterName(id));
-                if (row) setCell(imaginary ? cf.im : cf.re, row->finalFit);
-            }
     out.fitSetup.clear();
     for (const auto& row : rows)
         if (row.option != kFitOptionFixed) out.fitSetup.push_back({row.name, row.option, row.linkedTo});

@@ -68,6 +68,10 @@ void applyLinkFollowers(const std::vector<LinkFollower>& followers, std::vector<
 // The engine's parameters: `base` with every row's Final_fit.
 ParameterVector fitParameterVector(const ParameterVector& base, const std::vector<FitParameter>& rows);
 
+// The cell of `set` holding the parameter of that name (the names above),
+// or nullptr when the set has no such row.
+ParameterCell* findParameterCell(ParameterSet& set, std::string_view name);
+
 // The set with the Final_fit values written into its rows (numbers with up to
 // four decimals; a linked multiple keeps its "0.56M0" form) and the table's
 // options and links as its fit section.

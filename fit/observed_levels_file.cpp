@@ -7,6 +7,7 @@
 #include "core/text.hpp"
 #include "core/user_error.hpp"
 #include "engine/cell_value.hpp"
+#include "fit/observed_levels_sheet.hpp"
 #include "fit/state_label.hpp"
 
 namespace orvane {
@@ -186,6 +187,19 @@ std::string levelRowText(const ObservedLevel& level, const std::vector<ObservedG
 
 }  // namespace
 
+void appendObservedLevelRow(const std::vector<std::string>& fields, const std::string& fileNameForMessages, int line,
+                            ObservedLevelsFile& file) {
+    if (file.levels.size() == kObservedLevelsRowLimit)
+        RowContext{fileNameForMessages, line}.fail("more than " + std::to_string(kObservedLevelsRowLimit) +
+                                                   " observed levels");
+    readRow(RowContext{fileNameForMessages, line}, fields, file);
+}
+
+std::vector<std::vector<ObservedGFactor>> observedGFactorsByRow(const std::vector<ObservedLevel>& levels,
+                                                                const std::vector<ObservedGFactor>& gFactors) {
+    return gFactorsByRow(levels, gFactors);
+}
+
 ObservedLevelsFile parseObservedLevelsText(std::string_view text,
                                            const std::string& fileNameForMessages) {
     RowContext row{fileNameForMessages, 1};
@@ -197,9 +211,7 @@ ObservedLevelsFile parseObservedLevelsText(std::string_view text,
         start = end + 1;
         line = trim(line.substr(0, line.find('#')));
         if (line.empty()) continue;
-        if (file.levels.size() == kObservedLevelsRowLimit)
-            row.fail("more than " + std::to_string(kObservedLevelsRowLimit) + " observed levels");
-        readRow(row, splitFields(line), file);
+        appendObservedLevelRow(splitFields(line), fileNameForMessages, row.line, file);
     }
     return file;
 }
@@ -208,7 +220,8 @@ bool sameFileContent(const ObservedLevelsFile& a, const ObservedLevelsFile& b) {
     return sameAsFile(a.levels, b.levels) && sameAsFile(a.gFactors, b.gFactors);
 }
 
-ObservedLevelsFile readObservedLevelsFile(const std::filesystem::path& path) {
+ObservedLevelsFile readObservedLevelsFile(const std::filesystem::path& path, std::string_view sheet) {
+    if (Spreadsheet::isSpreadsheetPath(path)) return observedLevelsFromSheet(Spreadsheet::open(path, sheet));
     return parseObservedLevelsText(readTextFile(path, kMaxObservedLevelsFileBytes), path.string());
 }
 

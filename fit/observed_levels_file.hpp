@@ -35,8 +35,18 @@ struct ObservedLevelsFile {
 // the problem.
 ObservedLevelsFile parseObservedLevelsText(std::string_view text,
                                            const std::string& fileNameForMessages);
-// Refuses a file above kMaxObservedLevelsFileBytes unread.
-ObservedLevelsFile readObservedLevelsFile(const std::filesystem::path& path);
+// Refuses a file above kMaxObservedLevelsFileBytes unread. A .xlsx or .csv
+// file is read as a sheet (fit/observed_levels_sheet.hpp; `sheet` names the
+// workbook's sheet, empty for the first).
+ObservedLevelsFile readObservedLevelsFile(const std::filesystem::path& path, std::string_view sheet = {});
+
+// One row given as the fields of a line ("state label energy [g ...]"),
+// appended to `file`; problems name the file and line (or row).
+void appendObservedLevelRow(const std::vector<std::string>& fields, const std::string& fileNameForMessages, int line,
+                            ObservedLevelsFile& file);
+// The g-factors that go on each level's row (the rule of observedLevelsFileText).
+std::vector<std::vector<ObservedGFactor>> observedGFactorsByRow(const std::vector<ObservedLevel>& levels,
+                                                                const std::vector<ObservedGFactor>& gFactors);
 
 // Equal in what the file carries: state number, label, observed energy and
 // withheld of each level; state number, label, component and observed value

@@ -1,14 +1,20 @@
 #pragma once
-// Measured susceptibility as a CSV table: a header row naming a column
-// "Temperature" and a column "Average" (case-blind; other columns ignored),
-// then one row per temperature (K, emu/mol). A table without the two
-// columns is refused with "Incorrect structure of Excel for the magnetic
-// susceptibility"; a row that is not numeric, with the file and line. Rows
-// after the first `rowLimit` are counted, not read: the caller asks whether
-// to go on without them ("There are too many data >" ...).
+// Measured susceptibility as a table (.xlsx or .csv, read through the
+// spreadsheet seam): the first row holding a heading that contains
+// "Temperature" and one that contains "Average" (case-blind; other columns
+// ignored), then one row per temperature (K, emu/mol). A table without the
+// two headings is refused with "Data file error: Incorrect structure of Excel
+// for the magnetic susceptibility"; a cell that is not a number or a
+// temperature that is not positive, naming the cell. Rows after the first
+// `rowLimit` are counted, not read: the caller asks whether to go on without
+// them ("There are too many data >" ...). The susceptibility export
+// (susceptibilitySheet) reads back as such a table.
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
+
+#include "spreadsheet/spreadsheet.hpp"
 
 namespace orvane {
 
@@ -25,9 +31,14 @@ struct MeasuredSusceptibilityData {
     std::size_t rowsBeyondLimit = 0;  // data rows after the limit, not read
 };
 
+MeasuredSusceptibilityData measuredSusceptibilityOf(const Spreadsheet& sheet,
+                                                    std::size_t rowLimit = kMeasuredSusceptibilityRowLimit);
+// CSV text (the file named `fileName` in messages).
 MeasuredSusceptibilityData parseMeasuredSusceptibility(const std::string& text, const std::string& fileName,
                                                        std::size_t rowLimit = kMeasuredSusceptibilityRowLimit);
+// A .xlsx file (its sheet `sheet`, the first when empty); any other file is read as CSV.
 MeasuredSusceptibilityData readMeasuredSusceptibility(const std::filesystem::path& path,
-                                                      std::size_t rowLimit = kMeasuredSusceptibilityRowLimit);
+                                                      std::size_t rowLimit = kMeasuredSusceptibilityRowLimit,
+                                                      std::string_view sheet = {});
 
 }  // namespace orvane
