@@ -40,7 +40,10 @@ using namespace orvane;
 
 namespace {
 
-std::filesystem::path gTableDirectory;  // chosen by the package at import; empty: the default
+// Chosen by the package at import; empty: the default. Set with the GIL held.
+// Functions that release the GIL take their parameter set by value: a copy
+// made while it is held, which other Python threads cannot change meanwhile.
+std::filesystem::path gTableDirectory;
 
 std::filesystem::path tables() { return gTableDirectory.empty() ? defaultTableDirectory() : gTableDirectory; }
 
@@ -147,13 +150,14 @@ ParameterSet superposition(const py::object& ligandsGiven, std::array<double, 3>
 
 // ---- properties ----
 
-py::dict gFactors(const ParameterSet& set, bool complex, std::optional<double> spinG) {
+py::dict gFactors(ParameterSet set, bool complex, std::optional<double> spinG) {
     std::vector<std::array<double, 3>> g;
     std::vector<std::pair<int, int>> pairs;
     std::vector<double> energies;
+    const auto directory = tables();
     {
         py::gil_scoped_release release;
-        const auto states = scriptPropertyStates(set, complex, tables());
+        const auto states = scriptPropertyStates(set, complex, directory);
         const auto moment = magneticMomentOperator(states, spinG.value_or(kElectronSpinG));
         pairs = pairDoublets(states);
         for (const auto& [first, second] : pairs) {
@@ -174,13 +178,14 @@ py::dict gFactors(const ParameterSet& set, bool complex, std::optional<double> s
     return out;
 }
 
-py::array_t<double> susceptibility(const ParameterSet& set, const std::vector<double>& temperatures, bool complex,
+py::array_t<double> susceptibility(ParameterSet set, const std::vector<double>& temperatures, bool complex,
                                    std::optional<double> spinG) {
     if (temperatures.empty()) throw py::value_error("no temperature given");
     std::vector<std::array<double, 3>> chi;
+    const auto directory = tables();
     {
         py::gil_scoped_release release;
-        const auto states = scriptPropertyStates(set, complex, tables());
+        const auto states = scriptPropertyStates(set, complex, directory);
         const auto moment = magneticMomentOperator(states, spinG.value_or(kElectronSpinG));
         const auto highest = *std::max_element(temperatures.begin(), temperatures.end());
         const auto table = susceptibilityTable(states, moment, highest);
@@ -189,12 +194,13 @@ py::array_t<double> susceptibility(const ParameterSet& set, const std::vector<do
     return tripleRows(chi);
 }
 
-py::dict intensities(const ParameterSet& set, std::array<double, 3> omega, int initial, double index,
+py::dict intensities(ParameterSet set, std::array<double, 3> omega, int initial, double index,
                      double radiusSquared, bool complex, std::optional<double> spinG) {
     std::vector<TransitionLine> lines;
+    const auto directory = tables();
     {
         py::gil_scoped_release release;
-        const auto states = scriptPropertyStates(set, complex, tables());
+        const auto states = scriptPropertyStates(set, complex, directory);
         const int count = static_cast<int>(states.states.size());
         if (initial < 1 || initial > count)
             throw UserError("Error in Main", "initial state " + std::to_string(initial) + ": the run has states 1 to " +
@@ -333,11 +339,12 @@ PYBIND11_MODULE(_orvane, m) {
 
     m.def(
         "run",
-        [](const ParameterSet& set, bool complex, bool vectors, bool derivatives) {
+        [](ParameterSet set, bool complex, bool vectors, bool derivatives) {
             ScriptLevels levels;
+            const auto directory = tables();
             {
                 py::gil_scoped_release release;
-                levels = computeScriptLevels(set, {complex, vectors, derivatives}, tables());
+                levels = computeScriptLevels(set, {complex, vectors, derivatives}, directory);
             }
             return levels;
         },
@@ -365,15 +372,16 @@ PYBIND11_MODULE(_orvane, m) {
         .def_readonly("standard_error", &ScriptFit::standardError);
     m.def(
         "fit",
-        [](const ParameterSet& set, const py::object& observed, std::vector<std::string> free, std::optional<int> cycles,
+        [](ParameterSet set, const py::object& observed, std::vector<std::string> free, std::optional<int> cycles,
            bool complex) {
             ScriptFitRequest request;
             observedInto(observed, request);
             request.free = std::move(free);
             request.cycles = cycles;
             request.complex = complex;
+            const auto directory = tables();
             py::gil_scoped_release release;
-            return fitParameterSet(set, request, tables());
+            return fitParameterSet(set, request, directory);
         },
         py::arg("params"), py::arg("observed"), py::arg("free"), py::arg("cycles") = py::none(),
         py::arg("complex") = false, "Least-squares fit of the free parameters to observed levels");

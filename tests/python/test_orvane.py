@@ -10,6 +10,7 @@ import os
 import shutil
 import subprocess
 import tempfile
+import threading
 import unittest
 
 import numpy as np
@@ -61,6 +62,46 @@ class RunTest(unittest.TestCase):
                 q[name] = p[name] + sign * step
                 shifted.append(orvane.run(q, vectors=False, derivatives=False).energies)
             np.testing.assert_allclose(column, (shifted[0] - shifted[1]) / (2 * step), atol=1e-4, err_msg=name)
+
+
+    def test_complex_run_derivatives_and_refusal_of_imaginary_parts(self):
+        turned = orvane.rotate(orvane.ParameterSet.read(PR), 30, 40, 50)
+        with self.assertRaises(orvane.Error):
+            orvane.run(turned)  # the real engine would drop Im B(k,q)
+        r = orvane.run(turned, complex=True)
+        for name in ("ImB21", "B43"):
+            shifted = []
+            for sign in (1, -1):
+                q = orvane.ParameterSet(turned)
+                q[name] = turned[name] + sign
+                shifted.append(orvane.run(q, complex=True, vectors=False, derivatives=False).energies)
+            np.testing.assert_allclose(r.derivatives[:, r.parameter_names.index(name)], (shifted[0] - shifted[1]) / 2,
+                                       atol=1e-4, err_msg=name)
+
+    def test_runs_in_threads_give_the_same_levels(self):
+        p = orvane.ParameterSet.read(ND)
+        expected = orvane.run(p, vectors=False).energies
+        results = [None] * 4
+        def work(i):
+            results[i] = orvane.run(p, vectors=False).energies
+        threads = [threading.Thread(target=work, args=(i,)) for i in range(4)]
+        for t in threads:
+            t.start()
+        for t in threads:
+            t.join()
+        for energies in results:
+            np.testing.assert_array_equal(energies, expected)
+
+    def test_tables_are_generated_into_a_chosen_folder(self):
+        default = orvane.table_directory()
+        with tempfile.TemporaryDirectory() as tmp:
+            orvane.set_table_directory(tmp)
+            try:
+                energies = orvane.run(orvane.ParameterSet.read(PR), vectors=False).energies
+                self.assertTrue(any(name.startswith("f2rmu") for name in os.listdir(tmp)))
+            finally:
+                orvane.set_table_directory(default)
+        np.testing.assert_allclose(energies, orvane.run(orvane.ParameterSet.read(PR)).energies, atol=1e-9)
 
 
 class ParameterSetTest(unittest.TestCase):
@@ -160,6 +201,13 @@ class FitTest(unittest.TestCase):
         self.assertAlmostEqual(result.parameters.B40, p.B40, delta=0.05)
         self.assertLess(result.rms, 1e-2)
         self.assertIn("RMS Dev.", result.report)
+
+    def test_fit_reads_an_observed_levels_file_and_runs_the_cycles_asked(self):
+        levels = os.path.join(SOURCE, "examples", "Pr3plus-LaF3-levels.txt")
+        result = orvane.fit(orvane.ParameterSet.read(PR), levels, free=["EAVG"], cycles=2)
+        self.assertIn("Cycle 2:", result.report)
+        self.assertNotIn("Cycle 3:", result.report)
+        self.assertLess(result.rms, 3.0)  # the file's levels are within 3 cm-1 of the set's
 
 
 if __name__ == "__main__":
