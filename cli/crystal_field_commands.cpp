@@ -6,7 +6,6 @@
 #include <functional>
 #include <iostream>
 #include <memory>
-#include <numeric>
 #include <optional>
 #include <string>
 #include <vector>
@@ -19,6 +18,7 @@
 #include "interactive/command_line_asker.hpp"
 #include "core/log_book.hpp"
 #include "core/user_error.hpp"
+#include "engine/crystal_field_table.hpp"
 #include "engine/orthogonal_electrostatic.hpp"
 #include "engine/parameter_file.hpp"
 #include "params/cf_conventions.hpp"
@@ -39,29 +39,12 @@ namespace {
 using params::CfNormalisation;
 using params::CfTable;
 
-// ---- mapping between the parameter file's rows and the params records ----
+CfTable tableOf(const ParameterSet& set) { return crystalFieldTableOf(set); }
 
-params::ValueCell toCell(const ParameterCell& cell) { return {cell.text, cell.value}; }
-ParameterCell fromCell(const params::ValueCell& cell) {
-    return {cell.text.empty() ? "0" : cell.text, params::cellNumber(cell)};
-}
-
-CfNormalisation normalisationOf(CfConvention convention) {
-    switch (convention) {
-        case CfConvention::Stevens: return CfNormalisation::Stevens;
-        case CfConvention::UnitOperators: return CfNormalisation::UnitTensor;
-        case CfConvention::Wybourne: break;
-    }
-    return CfNormalisation::Wybourne;
-}
-
-CfConvention conventionOf(CfNormalisation normalisation) {
-    switch (normalisation) {
-        case CfNormalisation::Stevens: return CfConvention::Stevens;
-        case CfNormalisation::UnitTensor: return CfConvention::UnitOperators;
-        case CfNormalisation::Wybourne: break;
-    }
-    return CfConvention::Wybourne;
+// Stores the rows, telling when a rotation needed a smaller fold (engine/crystal_field_table.hpp).
+void storeTable(ParameterSet& set, const CfTable& table) {
+    if (const auto before = storeCrystalFieldTable(set, table))
+        std::cout << "Fold of symmetry axis changed from " << *before << " to " << set.fold << "\n";
 }
 
 std::string normalisationName(CfNormalisation n) {
@@ -71,34 +54,6 @@ std::string normalisationName(CfNormalisation n) {
         case CfNormalisation::Wybourne: break;
     }
     return "Wybourne";
-}
-
-CfTable tableOf(const ParameterSet& set) {
-    CfTable table;
-    table.complexMode = true;  // parameter files carry both columns
-    for (const CrystalFieldRow& row : set.crystalField)
-        table.rows.push_back({row.k, row.q, toCell(row.re), toCell(row.im)});
-    return table;
-}
-
-// The engine blocks states by M modulo the fold of the main axis, so every q with a
-// non-zero parameter must be a multiple of it; after a rotation that is no longer
-// so in general and the fold becomes the greatest common divisor of those q.
-void keepFoldConsistent(ParameterSet& set) {
-    int divisor = 0;
-    for (const CrystalFieldRow& row : set.crystalField)
-        if (row.q != 0 && (row.re.value != 0.0 || row.im.value != 0.0))
-            divisor = std::gcd(divisor, std::abs(row.q));
-    if (divisor == 0 || (set.fold > 0 && divisor % set.fold == 0)) return;
-    std::cout << "Fold of symmetry axis changed from " << set.fold << " to " << divisor << "\n";
-    set.fold = divisor;
-}
-
-void storeTable(ParameterSet& set, const CfTable& table) {
-    set.crystalField.clear();
-    for (const params::CfRow& row : table.rows)
-        set.crystalField.push_back({row.k, row.q, fromCell(row.re), fromCell(row.im)});
-    keepFoldConsistent(set);
 }
 
 // Every result is checked before it is shown or written.
@@ -189,15 +144,15 @@ void runUnitConversion(const ConvertOptions& o) {
                             ", not " + params::unitName(*from));
     params::ParameterValues values;
     values.crystalField = tableOf(set);
-    for (const FreeIonRow& row : set.mainFreeIon) values.mainFreeIon.push_back(toCell(row.cell));
-    for (const FreeIonRow& row : set.otherFreeIon) values.otherFreeIon.push_back(toCell(row.cell));
+    for (const FreeIonRow& row : set.mainFreeIon) values.mainFreeIon.push_back(valueCellOf(row.cell));
+    for (const FreeIonRow& row : set.otherFreeIon) values.otherFreeIon.push_back(valueCellOf(row.cell));
     values.unit = *from;
     params::convertEnergyUnit(values, *to, *scope);
     storeTable(set, values.crystalField);
     for (std::size_t i = 0; i < set.mainFreeIon.size(); ++i)
-        set.mainFreeIon[i].cell = fromCell(values.mainFreeIon[i]);
+        set.mainFreeIon[i].cell = parameterCellOf(values.mainFreeIon[i]);
     for (std::size_t i = 0; i < set.otherFreeIon.size(); ++i)
-        set.otherFreeIon[i].cell = fromCell(values.otherFreeIon[i]);
+        set.otherFreeIon[i].cell = parameterCellOf(values.otherFreeIon[i]);
     set.switches.energyUnit = static_cast<EnergyUnit>(static_cast<int>(*to));
     std::cout << "Energy unit converted from " << params::unitName(*from) << " to "
               << params::unitName(*to) << " (" << o.scope << "); column "

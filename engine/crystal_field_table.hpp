@@ -1,0 +1,29 @@
+#pragma once
+// The crystal-field rows of a parameter set as the parameter tools of params/
+// see them (params::CfTable), and back: conversions, rotations and the
+// superposition model work on the table, the parameter file keeps the rows.
+#include <optional>
+
+#include "engine/parameter_set.hpp"
+#include "params/cf_records.hpp"
+
+namespace orvane {
+
+// A cell of the file and the same cell as the parameter tools see it.
+params::ValueCell valueCellOf(const ParameterCell& cell);
+ParameterCell parameterCellOf(const params::ValueCell& cell);  // an empty text becomes "0"
+
+params::CfNormalisation normalisationOf(CfConvention convention);
+CfConvention conventionOf(params::CfNormalisation normalisation);
+
+// Every row with both columns (a parameter file carries Re and Im).
+params::CfTable crystalFieldTableOf(const ParameterSet& set);
+
+// Replaces the set's crystal-field rows by the table's. The engine blocks
+// states by MJ modulo the fold of the main axis, so every q of a non-zero
+// row must be a multiple of it; after a rotation that is no longer so in
+// general, and the fold becomes the greatest common divisor of those q.
+// Returns the fold the set had when it was changed.
+std::optional<int> storeCrystalFieldTable(ParameterSet& set, const params::CfTable& table);
+
+}  // namespace orvane
