@@ -59,6 +59,7 @@ struct FitOptions {
     std::string csv;
     std::string xlsx;
     std::string parametersXlsx;
+    std::string gFactorsXlsx;
     std::string output;
     bool complex = false;
     bool freeIon = false;
@@ -242,6 +243,7 @@ void fitParameterFile(const FitOptions& options) {
     const std::string date = formatDate(localNow());
     if (!options.xlsx.empty()) observedLevelsSheet(result.levels, result.gFactors, date, true).save(options.xlsx);
     if (!options.parametersXlsx.empty()) fittedParameterSheet(result.parameters, date).save(options.parametersXlsx);
+    if (!options.gFactorsXlsx.empty()) gFactorTableSheet(result.gFactors, date).save(options.gFactorsXlsx);
 }
 
 }  // namespace
@@ -279,6 +281,7 @@ void addFitCommand(CLI::App& app) {
     command->add_option("--xlsx", options->xlsx, "also write the level table as .xlsx to FILE (readable by --observed)");
     command->add_option("--parameters-xlsx", options->parametersXlsx,
                         "also write the fitted parameters as .xlsx to FILE (readable by --values)");
+    command->add_option("--gfactors-xlsx", options->gFactorsXlsx, "also write the g-factor table as .xlsx to FILE");
     command->add_option("-o,--output", options->output, "fitted parameter file (default FILE_fit.par)");
     auto* freeIon = command->add_flag("--free-ion", options->freeIon, "fit free-ion levels (J-multiplets)");
     command->add_flag("--complex", options->complex, "complex crystal field (Im Bkq fitted too)")->excludes(freeIon);

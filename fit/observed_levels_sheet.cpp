@@ -72,4 +72,19 @@ Spreadsheet observedLevelsSheet(const std::vector<ObservedLevel>& levels, const 
     return sheet.withDateRow(date);
 }
 
+Spreadsheet gFactorTableSheet(const std::vector<ObservedGFactor>& gFactors, const std::string& date) {
+    Spreadsheet sheet({}, "g-factors");
+    sheet.setRow(0, {"State#", "State Label", "Component", "Obs.g", "Calc.g", "g_Diff."});
+    for (std::size_t i = 0; i < gFactors.size(); ++i) {
+        const auto& g = gFactors[i];
+        const int row = static_cast<int>(i) + 1;
+        const char* component = g.component == GComponent::X ? "gx" : g.component == GComponent::Y ? "gy" : "gz";
+        sheet.setRow(row, {double(g.stateNumber), g.label, component});
+        sheet.setNumber(row, 3, g.observed, kGFormat);
+        sheet.setNumber(row, 4, g.calculated, kGFormat);
+        sheet.setNumber(row, 5, g.difference, kGFormat);
+    }
+    return sheet.withDateRow(date);
+}
+
 }  // namespace orvane

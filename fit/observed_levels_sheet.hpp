@@ -24,4 +24,9 @@ ObservedLevelsFile observedLevelsFromSheet(const Spreadsheet& sheet);
 Spreadsheet observedLevelsSheet(const std::vector<ObservedLevel>& levels, const std::vector<ObservedGFactor>& gFactors,
                                 const std::string& date, bool calculated = false);
 
+// The g-factor table of a fit: "YYYY-MM-DD" in A1, the headings "State#",
+// "State Label", "Component" (gx, gy, gz), "Obs.g", "Calc.g", "g_Diff." in
+// row 2, values "##0.00000".
+Spreadsheet gFactorTableSheet(const std::vector<ObservedGFactor>& gFactors, const std::string& date);
+
 }  // namespace orvane

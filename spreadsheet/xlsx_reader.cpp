@@ -145,7 +145,8 @@ std::string_view attribute(pugi::xml_node node, std::string_view name, bool pref
 
 pugi::xml_document parseXml(PartSource& zip, const std::string& name, const std::string& content) {
     pugi::xml_document document;
-    const auto result = document.load_buffer(content.data(), content.size());
+    // A text of blanks alone (<t xml:space="preserve"> </t>) is kept.
+    const auto result = document.load_buffer(content.data(), content.size(), pugi::parse_default | pugi::parse_ws_pcdata_single);
     if (!result) zip.fail(name, fmt::format("is not well-formed XML ({} at byte {})", result.description(), result.offset));
     return document;
 }

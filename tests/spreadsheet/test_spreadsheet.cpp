@@ -10,6 +10,7 @@
 #include <functional>
 #include <sstream>
 #include <tuple>
+#include <unistd.h>
 
 #include "engine/parameter_file.hpp"
 #include "fit/fit_parameters.hpp"
@@ -24,7 +25,8 @@
 namespace orvane {
 namespace {
 
-const std::filesystem::path kScratch = test::scratchDirectory("spreadsheet");
+// One folder per test process: ctest runs the cases in parallel processes.
+const std::filesystem::path kScratch = test::scratchDirectory("spreadsheet_" + std::to_string(::getpid()));
 
 bool haveOpenpyxl() { return std::system("/usr/bin/python3 -c 'import openpyxl' >/dev/null 2>&1") == 0; }
 
