@@ -1,0 +1,173 @@
+// The point groups and double groups: character tables computed from the
+// elements must be orthonormal, agree with the published tables of
+// ../shared/reference/point-groups (characters, Koster and Mulliken names, J
+// branching for both parities, element names), reproduce textbook branching
+// rules, and allow the crystal-field parameters of the cubic ratios.
+#include <cmath>
+#include <numbers>
+#include <string>
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+#include "params/crystal_field_symmetry.hpp"
+#include "params/point_group.hpp"
+#include "tests/support/json_value.hpp"
+#include "tests/support/reference_data.hpp"
+
+namespace orvane::params {
+namespace {
+
+using Complex = std::complex<double>;
+
+// "G7+ + 2G8+" for the decomposition of |J M> states of parity sign `improperSign`.
+std::string branching(const PointGroup& group, int twiceJ, int improperSign) {
+    const auto m = irrepMultiplicities(group, angularMomentumCharacters(group, twiceJ, improperSign));
+    std::string text;
+    for (std::size_t a = 0; a < m.size(); ++a) {
+        const long copies = std::lround(m[a]);
+        if (copies == 0) continue;
+        text += (text.empty() ? "" : " + ") + (copies > 1 ? std::to_string(copies) : "") + kosterName(group.irreps[a]);
+    }
+    return text;
+}
+
+TEST(PointGroups, ComputedCharacterTablesAreOrthonormal) {
+    for (int n = 1; n <= kPointGroupCount; ++n) {
+        const PointGroup& group = pointGroup(n);
+        SCOPED_TRACE(group.name);
+        ASSERT_EQ(group.irreps.size(), group.classes.size());
+        int squares = 0;
+        for (const auto& irrep : group.irreps) squares += irrep.dimension * irrep.dimension;
+        EXPECT_EQ(squares, static_cast<int>(group.elements.size()));
+        for (const auto& a : group.irreps)
+            for (const auto& b : group.irreps) {
+                Complex sum = 0.0;
+                for (std::size_t t = 0; t < group.classes.size(); ++t)
+                    sum += static_cast<double>(group.classes[t].elements.size()) * a.characters[t] *
+                           std::conj(b.characters[t]);
+                EXPECT_NEAR(std::abs(sum - (&a == &b ? 1.0 : 0.0) * double(group.elements.size())), 0.0, 1e-9);
+            }
+    }
+}
+
+TEST(PointGroups, TextbookBranchingAndParity) {
+    struct Case {
+        const char* group;
+        int twiceJ;
+        int improperSign;
+        const char* expected;
+    };
+    const Case cases[] = {
+        {"O", 5, 1, "G7 + G8"},        {"O", 8, 1, "G1 + G3 + G4 + G5"}, {"O", 9, 1, "G6 + 2G8"},
+        {"O", 15, 1, "G6 + G7 + 3G8"}, {"Oh", 5, 1, "G7+ + G8+"},       {"Oh", 1, -1, "G6-"},
+        {"Oh", 4, -1, "G3- + G5-"},    {"Td", 1, 1, "G6"},              {"Td", 1, -1, "G7"},
+        {"Td", 3, -1, "G8"},           {"D3h", 1, -1, "G8"},            {"D3h", 5, 1, "G7 + G8 + G9"},
+        {"D4", 5, 1, "G6 + 2G7"},      {"C3", 3, 1, "G4 + G5 + 2G6"},    {"C2v", 4, 1, "2G1 + G2 + G3 + G4"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(branching(pointGroup(*pointGroupNumber(c.group)), c.twiceJ, c.improperSign), c.expected)
+            << c.group << " 2J = " << c.twiceJ << " parity " << c.improperSign;
+}
+
+TEST(PointGroups, WignerMatricesRepresentTheLifts) {
+    const Eigen::Matrix2cd a = rotationLift(Eigen::Vector3d(1, 2, 3), 1.1);
+    const Eigen::Matrix2cd b = rotationLift(Eigen::Vector3d(-2, 0.5, 1), 2.7);
+    const Eigen::MatrixXcd half = wignerD(1, a);  // rows M = -1/2, +1/2
+    EXPECT_NEAR(std::abs(half(1, 1) - a(0, 0)) + std::abs(half(0, 1) - a(1, 0)) + std::abs(half(1, 0) - a(0, 1)), 0.0,
+                1e-12);
+    for (int twiceJ : {5, 8})
+        EXPECT_NEAR((wignerD(twiceJ, a * b) - wignerD(twiceJ, a) * wignerD(twiceJ, b)).norm(), 0.0, 1e-10);
+    EXPECT_NEAR((wignerD(3, -a) + wignerD(3, a)).norm(), 0.0, 1e-12);  // the barred lift on half-integral J
+}
+
+TEST(PointGroups, AllowedCrystalFieldParameters) {
+    struct Case {
+        const char* group;
+        const char* allowed;
+    };
+    const Case cases[] = {
+        {"D4h", "B20 B40 B44 B60 B64"},
+        {"Oh", "B40 B44 B60 B64"},
+        {"Td", "B40 B44 B60 B64"},
+        {"C2v", "B20 B22 B40 B42 B44 B60 B62 B64 B66"},
+        {"D3h", "B20 B40 B60 B66"},
+        {"C4", "B20 B40 B44 ImB44 B60 B64 ImB64"},
+    };
+    for (const auto& c : cases) {
+        std::string text;
+        for (const auto& p : allowedCrystalFieldComponents(pointGroup(*pointGroupNumber(c.group))))
+            text += fmt::format("{}{}B{}{}", text.empty() ? "" : " ", p.imaginary ? "Im" : "", p.k, p.q);
+        EXPECT_EQ(text, c.allowed) << c.group;
+    }
+    EXPECT_EQ(allowedCrystalFieldComponents(pointGroup(1)).size(), 27u);  // C1: every Re and Im part
+    // O_h: the invariant direction carries the cubic ratios B44 = sqrt(5/14) B40, B64 = -sqrt(7/2) B60.
+    const PointGroup& oh = pointGroup(32);
+    const Eigen::VectorXd fourth = invariantProjector(oh, 4).col(0), sixth = invariantProjector(oh, 6).col(0);
+    EXPECT_NEAR(fourth(7) / fourth(0), std::sqrt(5.0 / 14.0), 1e-12);
+    EXPECT_NEAR(sixth(7) / sixth(0), -std::sqrt(7.0 / 2.0), 1e-12);
+}
+
+int twiceOf(const std::string& j) {
+    const auto slash = j.find('/');
+    return slash == std::string::npos ? 2 * std::stoi(j) : std::stoi(j.substr(0, slash));
+}
+
+TEST(PointGroups, AgreeWithPublishedTables) {
+    ORVANE_REQUIRE_REFERENCE(reference);
+    const auto folder = reference / "point-groups";
+    if (!std::filesystem::exists(folder / "index.json")) GTEST_SKIP() << "no point-group reference in " << folder;
+    const auto index = test::readJsonFile((folder / "index.json").string());
+    for (const auto& entry : index["groups"].items) {
+        const int number = static_cast<int>(entry["number"].number);
+        const PointGroup& group = pointGroup(number);
+        SCOPED_TRACE(group.name);
+        EXPECT_EQ(pointGroupNumber(entry["schoenflies"].text), number);
+        const auto table = test::readJsonFile((folder / entry["file"].text).string());
+        if (!table["principal_axis_fold"].isNull()) EXPECT_EQ(group.fold, table["principal_axis_fold"].number);
+        // Elements by name, with their lifts.
+        std::map<std::string, GroupElement> elements;
+        for (const auto& e : table["double_elements"].items) {
+            GroupElement element;
+            for (int r = 0; r < 2; ++r)
+                for (int c = 0; c < 2; ++c)
+                    element.su2(r, c) = {e["su2"][r][c][0].number, e["su2"][r][c][1].number};
+            element.improper = e["improper"].boolean;
+            EXPECT_EQ(elementName(element), e["name"].text);
+            EXPECT_GE(group.indexOf(element), 0) << e["name"].text;
+            elements[e["name"].text] = element;
+        }
+        ASSERT_EQ(table["classes"].items.size(), group.classes.size());
+        std::vector<int> classOfReference;
+        for (const auto& cls : table["classes"].items) {
+            const int mine = group.classOf[group.indexOf(elements.at(cls["representative"].text))];
+            classOfReference.push_back(mine);
+            EXPECT_EQ(group.classes[mine].elements.size(), cls["size"].number) << cls["representative"].text;
+        }
+        ASSERT_EQ(table["irreps"].items.size(), group.irreps.size());
+        for (std::size_t a = 0; a < group.irreps.size(); ++a) {
+            const auto& theirs = table["irreps"][a];
+            const Irrep& irrep = group.irreps[a];  // same order: single, double; Koster number; g before u
+            EXPECT_EQ(kosterName(irrep), theirs["koster_ascii"].text);
+            EXPECT_EQ(irrep.mulliken, theirs["mulliken"].isNull() ? "" : theirs["mulliken"].text);
+            EXPECT_EQ(irrep.frobeniusSchur, theirs["frobenius_schur"].number) << kosterName(irrep);
+            for (std::size_t t = 0; t < classOfReference.size(); ++t) {
+                const Complex expected(theirs["characters"][t]["re"].number, theirs["characters"][t]["im"].number);
+                EXPECT_NEAR(std::abs(irrep.characters[classOfReference[t]] - expected), 0.0, 1e-9)
+                    << kosterName(irrep) << " on " << table["classes"][t]["representative"].text;
+            }
+        }
+        for (const auto& [parity, sign] : {std::pair{"parity_even", 1}, std::pair{"parity_odd", -1}})
+            for (const auto& [j, content] : table["branching_J"][parity].fields) {
+                const auto m = irrepMultiplicities(group, angularMomentumCharacters(group, twiceOf(j), sign));
+                for (std::size_t a = 0; a < group.irreps.size(); ++a) {
+                    const auto found = content.fields.find(kosterName(group.irreps[a]));
+                    EXPECT_NEAR(m[a], found == content.fields.end() ? 0.0 : found->second.number, 1e-9)
+                        << parity << " J = " << j << " " << kosterName(group.irreps[a]);
+                }
+            }
+    }
+}
+
+}  // namespace
+}  // namespace orvane::params
