@@ -25,6 +25,7 @@ int main(int argc, char** argv) {
     orvane::cli::addPropertyCommands(app);
     orvane::cli::addFitCommand(app);
     orvane::cli::addDECommand(app);
+    orvane::cli::addSymmetryCommand(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -45,17 +45,17 @@ bool nearInteger(double value) { return std::abs(value - std::round(value)) < 1e
 
 }  // namespace
 
-LevelSymmetry levelSymmetry(const EnergyLevelResult& result, int first, int count, const params::PointGroup& group,
-                            params::ImproperAction action) {
-    const int sign = params::improperFactor(action, result.electrons);
+LevelSymmetry levelSymmetry(const Model& model, const std::vector<ModelLevel>& levels, int first, int count,
+                            const params::PointGroup& group, params::ImproperAction action) {
+    const int sign = params::improperFactor(action, model.setup().electrons);
     std::vector<Complex> characters(group.classes.size(), 0.0);
     std::map<int, MultipletPositions> positions;  // by block
     for (std::size_t c = 0; c < group.classes.size(); ++c) {
         const auto& element = group.elements[static_cast<std::size_t>(group.classes[c].elements.front())];
         std::map<int, Eigen::MatrixXcd> wigner;  // D(J) of this element, by 2J
         for (int n = first; n < first + count; ++n) {
-            const ModelLevel& level = result.modelLevels[static_cast<std::size_t>(n)];
-            const ModelBlock& block = result.model->blocks()[static_cast<std::size_t>(level.block)];
+            const ModelLevel& level = levels[static_cast<std::size_t>(n)];
+            const ModelBlock& block = model.blocks()[static_cast<std::size_t>(level.block)];
             auto found = positions.find(level.block);
             if (found == positions.end()) found = positions.emplace(level.block, multipletPositions(block)).first;
             characters[c] += expectation(level, block, found->second, element.su2, wigner);
@@ -97,6 +97,32 @@ std::string levelSymmetryLabel(const LevelSymmetry& symmetry, const params::Poin
                        std::to_string(std::max(first.koster, last.koster));
     if (first.parity != 0) name += first.parity == 'g' ? '+' : '-';
     return name;
+}
+
+std::optional<SiteLabelling> siteLabellingOf(const RunSwitches& switches) {
+    const auto notation = static_cast<IrNotation>(switches.irNotation);
+    if (!switches.pointGroup || *switches.pointGroup < 1 || *switches.pointGroup > params::kPointGroupCount ||
+        notation == IrNotation::CrystalQuantumNumber)
+        return std::nullopt;
+    return SiteLabelling{&params::pointGroup(*switches.pointGroup),
+                         switches.properRotationIrreps ? params::ImproperAction::ProperPart
+                                                       : params::ImproperAction::Parity,
+                         notation == IrNotation::Mulliken ? IrNotation::Mulliken : IrNotation::Koster};
+}
+
+std::vector<std::string> levelIrrepLabels(const Model& model, const std::vector<ModelLevel>& levels,
+                                          const SiteLabelling& site) {
+    std::vector<std::string> labels(levels.size());
+    for (std::size_t first = 0; first < levels.size();) {
+        std::size_t end = first + 1;
+        while (end < levels.size() && degenerateEnergies(levels[first].energy, levels[end].energy)) ++end;
+        const auto symmetry = levelSymmetry(model, levels, static_cast<int>(first), static_cast<int>(end - first),
+                                            *site.group, site.action);
+        const std::string label = levelSymmetryLabel(symmetry, *site.group, site.notation);
+        for (std::size_t i = first; i < end; ++i) labels[i] = label;
+        first = end;
+    }
+    return labels;
 }
 
 }  // namespace orvane

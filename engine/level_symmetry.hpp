@@ -13,6 +13,7 @@
 // reversal joins (an irrep and its complex conjugate, "G5,6"; two copies of a
 // real spinor irrep, "G6" of C3); anything else (accidental degeneracy, or a
 // parameter set of lower symmetry than the group) is flagged "?".
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -31,11 +32,27 @@ struct LevelSymmetry {
     bool oneIrrep = false;
 };
 
-// The degenerate levels first..first+count-1 of `result.modelLevels` (solved with vectors).
-LevelSymmetry levelSymmetry(const EnergyLevelResult& result, int first, int count, const params::PointGroup& group,
-                            params::ImproperAction action);
+// The degenerate levels first..first+count-1 of `levels` (a solve of `model` with vectors).
+LevelSymmetry levelSymmetry(const Model& model, const std::vector<ModelLevel>& levels, int first, int count,
+                            const params::PointGroup& group, params::ImproperAction action);
 
 // "G6-", "G5,6", "Eg", "E1/2u"; "?" for a level that is not one irrep. Koster or Mulliken.
 std::string levelSymmetryLabel(const LevelSymmetry& symmetry, const params::PointGroup& group, IrNotation notation);
+
+// How the levels of a run are labelled: the group of "/ptgp= n", the action
+// of improper elements ("/IRproper") and the notation of "/IRnotation= n"
+// (user-defined labels start from Koster's).
+struct SiteLabelling {
+    const params::PointGroup* group = nullptr;
+    params::ImproperAction action = params::ImproperAction::Parity;
+    IrNotation notation = IrNotation::Koster;
+};
+// None without a valid "/ptgp= n", or with "/IRnotation= 4" (crystal quantum numbers).
+std::optional<SiteLabelling> siteLabellingOf(const RunSwitches& switches);
+
+// The label of every level of `levels` (ascending, solved with vectors),
+// the same for the members of one degenerate level (degenerateEnergies).
+std::vector<std::string> levelIrrepLabels(const Model& model, const std::vector<ModelLevel>& levels,
+                                          const SiteLabelling& site);
 
 }  // namespace orvane

@@ -55,22 +55,38 @@ void buildProductsAndClasses(PointGroup& group) {
             group.product[a][b] = group.indexOf(times(group.elements[a], group.elements[b]));
             if (group.product[a][b] < 0) throw std::logic_error("point group not closed: " + group.name);
         }
-    group.classOf.assign(n, -1);
+    std::vector<bool> placed(n, false);
+    std::vector<SymmetryClass> classes;
     for (int x = 0; x < n; ++x) {
-        if (group.classOf[x] >= 0) continue;
+        if (placed[x]) continue;
         SymmetryClass cls;
         for (int g = 0; g < n; ++g) {
             const int conjugate = group.indexOf(times(times(group.elements[g], group.elements[x]),
                                                       inverse(group.elements[g])));
-            if (group.classOf[conjugate] < 0) {
-                group.classOf[conjugate] = static_cast<int>(group.classes.size());
-                cls.elements.push_back(conjugate);
-            }
+            if (!placed[conjugate]) placed[conjugate] = true, cls.elements.push_back(conjugate);
         }
+        // Named after an unbarred member where there is one: "6C4z+", "E_bar".
+        std::string name = elementName(group.elements[x]);
+        for (int e : cls.elements)
+            if (const auto text = elementName(group.elements[e]); text.find("_bar") == std::string::npos) {
+                name = text;
+                break;
+            }
         const auto size = cls.elements.size();
-        cls.name = (size > 1 ? std::to_string(size) : "") + elementName(group.elements[x]);
-        group.classes.push_back(cls);
+        cls.name = (size > 1 ? std::to_string(size) : "") + name;
+        classes.push_back(cls);
     }
+    // E, E_bar, then proper before improper, classes with an unbarred name first.
+    std::stable_sort(classes.begin() + 2, classes.end(), [&](const SymmetryClass& a, const SymmetryClass& b) {
+        auto key = [&](const SymmetryClass& c) {
+            return std::pair(group.elements[c.elements.front()].improper, c.name.find("_bar") != std::string::npos);
+        };
+        return key(a) < key(b);
+    });
+    group.classes = classes;
+    group.classOf.assign(n, -1);
+    for (std::size_t c = 0; c < classes.size(); ++c)
+        for (int e : classes[c].elements) group.classOf[e] = static_cast<int>(c);
 }
 
 // Burnside's method (Burnside 1911; Dixon 1967): with c(r,s,t) the class

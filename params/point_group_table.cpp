@@ -15,9 +15,10 @@ std::string characterText(std::complex<double> value) {
         return fmt::format("{:g}", rounded == 0.0 ? 0.0 : rounded);
     };
     if (std::abs(value.imag()) < 5e-4) return text(value.real());
-    if (std::abs(value.real()) < 5e-4) return text(value.imag()) + "i";
-    const std::string imaginary = text(value.imag());
-    return text(value.real()) + (imaginary.front() == '-' ? "" : "+") + imaginary + "i";
+    std::string imaginary = text(value.imag());
+    if (imaginary == "1" || imaginary == "-1") imaginary.pop_back();  // "i", "-i"
+    if (std::abs(value.real()) < 5e-4) return imaginary + "i";
+    return text(value.real()) + (!imaginary.empty() && imaginary.front() == '-' ? "" : "+") + imaginary + "i";
 }
 
 std::string pointGroupDescription(const PointGroup& group) {

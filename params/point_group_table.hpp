@@ -8,7 +8,7 @@
 
 namespace orvane::params {
 
-// "1.414", "-1", "0.5+0.866i": characters rounded to 3 decimals, integers without them.
+// "1.414", "-1", "i", "-0.5+0.866i": characters rounded to 3 decimals, integers without them.
 std::string characterText(std::complex<double> value);
 
 // Header line, class line, one line per irrep, then "Allowed crystal-field

@@ -77,7 +77,7 @@ TEST(LevelSymmetry, CubicLevelsFollowTheBranchingOfJ) {
         const auto& freeIon = result.freeIon.levels;
         std::vector<std::vector<double>> found(freeIon.size(), std::vector<double>(oh.irreps.size(), 0.0));
         for (const auto& level : degenerateLevels(result)) {
-            const auto symmetry = levelSymmetry(result, level.first, level.count, oh, ImproperAction::Parity);
+            const auto symmetry = levelSymmetry(*result.model, result.modelLevels, level.first, level.count, oh, ImproperAction::Parity);
             ASSERT_TRUE(symmetry.oneIrrep) << "level " << level.first;
             std::size_t nearest = 0;
             for (std::size_t f = 0; f < freeIon.size(); ++f)
@@ -114,7 +114,7 @@ TEST(LevelSymmetry, EveryLevelIsOneIrrepInFieldsOfLowerSymmetry) {
             const auto result = solveWithVectors(test::praseodymiumLikeSet(n, 800.0, randomAllowedField(g, 7 + n), g.fold));
             int states = 0;
             for (const auto& level : degenerateLevels(result)) {
-                const auto symmetry = levelSymmetry(result, level.first, level.count, g, ImproperAction::Parity);
+                const auto symmetry = levelSymmetry(*result.model, result.modelLevels, level.first, level.count, g, ImproperAction::Parity);
                 ASSERT_TRUE(symmetry.oneIrrep) << "level " << level.first;
                 int dimension = 0;
                 for (int a : symmetry.irreps) dimension += g.irreps[a].dimension;
@@ -130,8 +130,8 @@ TEST(LevelSymmetry, OddElectronLabelsInTdFollowTheParityRule) {
     const PointGroup& td = group("Td");
     const auto result = solveWithVectors(test::praseodymiumLikeSet(3, 885.0, randomAllowedField(td, 3), 4));
     for (const auto& level : degenerateLevels(result)) {
-        const auto parity = levelSymmetry(result, level.first, level.count, td, ImproperAction::Parity);
-        const auto proper = levelSymmetry(result, level.first, level.count, td, ImproperAction::ProperPart);
+        const auto parity = levelSymmetry(*result.model, result.modelLevels, level.first, level.count, td, ImproperAction::Parity);
+        const auto proper = levelSymmetry(*result.model, result.modelLevels, level.first, level.count, td, ImproperAction::ProperPart);
         ASSERT_TRUE(parity.oneIrrep && proper.oneIrrep);
         ASSERT_EQ(parity.irreps.size(), 1u);
         // The parity label is the proper one times the irrep that is -1 on improper elements.
@@ -157,7 +157,7 @@ TEST(LevelSymmetry, RotationWithinTheNormaliserKeepsTheLabels) {
             const auto result = solveWithVectors(s);
             std::vector<std::string> out;
             for (const auto& level : degenerateLevels(result))
-                out.push_back(levelSymmetryLabel(levelSymmetry(result, level.first, level.count, d3, ImproperAction::Parity),
+                out.push_back(levelSymmetryLabel(levelSymmetry(*result.model, result.modelLevels, level.first, level.count, d3, ImproperAction::Parity),
                                                  d3, IrNotation::Koster));
             return out;
         };
@@ -175,7 +175,7 @@ TEST(LevelSymmetry, FieldOfLowerSymmetryIsFlaggedNotMislabelled) {
     const auto result = solveWithVectors(test::praseodymiumLikeSet(2, 751.7, test::laf3CrystalField(), 2));  // C2v
     int flagged = 0;
     for (const auto& level : degenerateLevels(result)) {
-        const auto symmetry = levelSymmetry(result, level.first, level.count, d3h, ImproperAction::Parity);
+        const auto symmetry = levelSymmetry(*result.model, result.modelLevels, level.first, level.count, d3h, ImproperAction::Parity);
         flagged += symmetry.oneIrrep ? 0 : 1;
         if (!symmetry.oneIrrep) EXPECT_EQ(levelSymmetryLabel(symmetry, d3h, IrNotation::Mulliken), "?");
     }

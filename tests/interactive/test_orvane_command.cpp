@@ -35,6 +35,16 @@ TEST(OrvaneCommand, CalculatorsPrintTheValueLast) {
     }
 }
 
+TEST(OrvaneCommand, SymmetryPrintsTheGroupAndItsAllowedParameters) {
+    for (const char* name : {"D3h", "-6m2", "26"}) {
+        const auto result = runOrvane(std::string("symmetry ") + name);
+        ASSERT_EQ(result.exitCode, 0) << result.err;
+        EXPECT_NE(result.out.find("Point group D3h (-6m2)"), std::string::npos) << name;
+        EXPECT_EQ(lastLine(result.out), "Allowed crystal-field parameters: B20 B40 B60 B66");
+    }
+    EXPECT_EQ(runOrvane("symmetry D7").exitCode, 1);
+}
+
 TEST(OrvaneCommand, UsageErrorsExitWithTwo) {
     for (const char* arguments : {"calc 3j 1 1", "calc 6j 1 x 1 1 1 1", "no-such-command", ""}) {
         SCOPED_TRACE(arguments);
