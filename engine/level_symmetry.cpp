@@ -63,6 +63,8 @@ LevelSymmetry levelSymmetry(const Model& model, const std::vector<ModelLevel>& l
         if (element.improper) characters[c] *= sign;
     }
     LevelSymmetry symmetry;
+    symmetry.first = first;
+    symmetry.count = count;
     symmetry.multiplicities = params::irrepMultiplicities(group, characters);
     int total = 0;
     bool integral = true;
@@ -110,18 +112,25 @@ std::optional<SiteLabelling> siteLabellingOf(const RunSwitches& switches) {
                          notation == IrNotation::Mulliken ? IrNotation::Mulliken : IrNotation::Koster};
 }
 
-std::vector<std::string> levelIrrepLabels(const Model& model, const std::vector<ModelLevel>& levels,
-                                          const SiteLabelling& site) {
-    std::vector<std::string> labels(levels.size());
+std::vector<LevelSymmetry> levelSymmetries(const Model& model, const std::vector<ModelLevel>& levels,
+                                           const params::PointGroup& group, params::ImproperAction action) {
+    std::vector<LevelSymmetry> symmetries;
     for (std::size_t first = 0; first < levels.size();) {
         std::size_t end = first + 1;
         while (end < levels.size() && degenerateEnergies(levels[first].energy, levels[end].energy)) ++end;
-        const auto symmetry = levelSymmetry(model, levels, static_cast<int>(first), static_cast<int>(end - first),
-                                            *site.group, site.action);
-        const std::string label = levelSymmetryLabel(symmetry, *site.group, site.notation);
-        for (std::size_t i = first; i < end; ++i) labels[i] = label;
+        symmetries.push_back(
+            levelSymmetry(model, levels, static_cast<int>(first), static_cast<int>(end - first), group, action));
         first = end;
     }
+    return symmetries;
+}
+
+std::vector<std::string> levelIrrepLabels(const Model& model, const std::vector<ModelLevel>& levels,
+                                          const SiteLabelling& site) {
+    std::vector<std::string> labels(levels.size());
+    for (const auto& symmetry : levelSymmetries(model, levels, *site.group, site.action))
+        for (int i = symmetry.first; i < symmetry.first + symmetry.count; ++i)
+            labels[i] = levelSymmetryLabel(symmetry, *site.group, site.notation);
     return labels;
 }
 

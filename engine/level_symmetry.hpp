@@ -27,6 +27,7 @@ namespace orvane {
 enum class IrNotation { Koster = 1, Mulliken = 2, UserDefined = 3, CrystalQuantumNumber = 4 };
 
 struct LevelSymmetry {
+    int first = 0, count = 0;            // the level's members in the ascending levels
     std::vector<double> multiplicities;  // per irrep of the group
     std::vector<int> irreps;             // the irreps of the level when it is one (with its time-reversal partner)
     bool oneIrrep = false;
@@ -50,8 +51,11 @@ struct SiteLabelling {
 // None without a valid "/ptgp= n", or with "/IRnotation= 4" (crystal quantum numbers).
 std::optional<SiteLabelling> siteLabellingOf(const RunSwitches& switches);
 
-// The label of every level of `levels` (ascending, solved with vectors),
-// the same for the members of one degenerate level (degenerateEnergies).
+// Every degenerate level (degenerateEnergies) of `levels` (ascending, solved with vectors).
+std::vector<LevelSymmetry> levelSymmetries(const Model& model, const std::vector<ModelLevel>& levels,
+                                           const params::PointGroup& group, params::ImproperAction action);
+
+// The label of every level of `levels`, the same for the members of one degenerate level.
 std::vector<std::string> levelIrrepLabels(const Model& model, const std::vector<ModelLevel>& levels,
                                           const SiteLabelling& site);
 

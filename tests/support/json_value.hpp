@@ -1,11 +1,9 @@
 #pragma once
 // A minimal JSON reader for the reference tables the tests compare with
-// (objects, arrays, strings without escapes beyond \" \\ \/ and \uXXXX kept
-// as text, numbers, true, false, null). Throws std::runtime_error on bad input.
+// (escapes are kept as the escaped character; \uXXXX is not decoded).
 #include <cctype>
 #include <fstream>
 #include <map>
-#include <memory>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -14,98 +12,62 @@
 namespace orvane::test {
 
 struct JsonValue {
-    enum class Kind { Null, Bool, Number, String, Array, Object } kind = Kind::Null;
-    bool boolean = false;
+    bool null = true, boolean = false;
     double number = 0.0;
     std::string text;
     std::vector<JsonValue> items;
     std::map<std::string, JsonValue> fields;
     const JsonValue& operator[](const std::string& key) const { return fields.at(key); }
     const JsonValue& operator[](std::size_t i) const { return items.at(i); }
-    bool isNull() const { return kind == Kind::Null; }
 };
 
-class JsonReader {
-public:
-    explicit JsonReader(std::string text) : text_(std::move(text)) {}
-    JsonValue read() {
-        JsonValue value = parse();
-        skip();
-        if (at_ != text_.size()) fail("text after the value");
-        return value;
-    }
-
-private:
-    std::string text_;
-    std::size_t at_ = 0;
-    [[noreturn]] void fail(const std::string& what) const {
-        throw std::runtime_error("JSON: " + what + " at offset " + std::to_string(at_));
-    }
-    void skip() {
-        while (at_ < text_.size() && std::isspace(static_cast<unsigned char>(text_[at_]))) ++at_;
-    }
-    bool take(char c) {
-        skip();
-        if (at_ < text_.size() && text_[at_] == c) return ++at_, true;
-        return false;
-    }
-    std::string string() {
-        if (!take('"')) fail("string expected");
+inline JsonValue parseJson(const std::string& s, std::size_t& at) {
+    auto skip = [&] { while (at < s.size() && std::isspace(static_cast<unsigned char>(s[at]))) ++at; };
+    auto take = [&](char c) { return skip(), at < s.size() && s[at] == c ? (++at, true) : false; };
+    auto string = [&] {
         std::string out;
-        while (at_ < text_.size() && text_[at_] != '"') {
-            if (text_[at_] == '\\') ++at_;
-            out += text_[at_++];
-        }
-        ++at_;
+        for (++at; at < s.size() && s[at] != '"'; ++at) out += s[at] == '\\' ? s[++at] : s[at];
+        ++at;
         return out;
+    };
+    JsonValue v;
+    skip();
+    if (at >= s.size()) throw std::runtime_error("JSON: value expected");
+    v.null = false;
+    if (take('{')) {
+        if (take('}')) return v;
+        do {
+            skip();
+            const std::string key = string();
+            if (!take(':')) throw std::runtime_error("JSON: ':' expected");
+            v.fields[key] = parseJson(s, at);
+        } while (take(','));
+        if (!take('}')) throw std::runtime_error("JSON: '}' expected");
+    } else if (take('[')) {
+        if (take(']')) return v;
+        do v.items.push_back(parseJson(s, at));
+        while (take(','));
+        if (!take(']')) throw std::runtime_error("JSON: ']' expected");
+    } else if (s[at] == '"') {
+        v.text = string();
+    } else if (s.compare(at, 4, "null") == 0) {
+        v.null = true, at += 4;
+    } else if (s.compare(at, 4, "true") == 0 || s.compare(at, 5, "false") == 0) {
+        v.boolean = s[at] == 't', at += v.boolean ? 4 : 5;
+    } else {
+        std::size_t used = 0;
+        v.number = std::stod(s.substr(at, 40), &used), at += used;
     }
-    JsonValue parse() {
-        JsonValue v;
-        skip();
-        if (at_ >= text_.size()) fail("value expected");
-        const char c = text_[at_];
-        if (c == '{') {
-            ++at_;
-            v.kind = JsonValue::Kind::Object;
-            if (take('}')) return v;
-            do {
-                std::string key = string();
-                if (!take(':')) fail("':' expected");
-                v.fields[key] = parse();
-            } while (take(','));
-            if (!take('}')) fail("'}' expected");
-        } else if (c == '[') {
-            ++at_;
-            v.kind = JsonValue::Kind::Array;
-            if (take(']')) return v;
-            do v.items.push_back(parse());
-            while (take(','));
-            if (!take(']')) fail("']' expected");
-        } else if (c == '"') {
-            v.kind = JsonValue::Kind::String;
-            v.text = string();
-        } else if (text_.compare(at_, 4, "null") == 0) {
-            at_ += 4;
-        } else if (text_.compare(at_, 4, "true") == 0 || text_.compare(at_, 5, "false") == 0) {
-            v.kind = JsonValue::Kind::Bool;
-            v.boolean = c == 't';
-            at_ += v.boolean ? 4 : 5;
-        } else {
-            v.kind = JsonValue::Kind::Number;
-            std::size_t used = 0;
-            v.number = std::stod(text_.substr(at_, 40), &used);
-            at_ += used;
-        }
-        return v;
-    }
-};
+    return v;
+}
 
 inline JsonValue readJsonFile(const std::string& path) {
     std::ifstream in(path);
     if (!in) throw std::runtime_error("cannot read " + path);
     std::stringstream buffer;
     buffer << in.rdbuf();
-    return JsonReader(buffer.str()).read();
+    std::size_t at = 0;
+    return parseJson(buffer.str(), at);
 }
 
 }  // namespace orvane::test
