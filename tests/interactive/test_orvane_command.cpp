@@ -35,13 +35,9 @@ TEST(OrvaneCommand, CalculatorsPrintTheValueLast) {
     }
 }
 
-TEST(OrvaneCommand, SymmetryPrintsTheGroupAndItsAllowedParameters) {
-    for (const char* name : {"D3h", "-6m2", "26"}) {
-        const auto result = runOrvane(std::string("symmetry ") + name);
-        ASSERT_EQ(result.exitCode, 0) << result.err;
-        EXPECT_NE(result.out.find("Point group D3h (-6m2)"), std::string::npos) << name;
-        EXPECT_EQ(lastLine(result.out), "Allowed crystal-field parameters: B20 B40 B60 B66");
-    }
+TEST(OrvaneCommand, SymmetryFindsTheGroupByEitherSymbolOrNumber) {
+    for (const char* name : {"D3h", "-6m2", "26"})
+        EXPECT_EQ(runOrvane(std::string("symmetry ") + name).out.rfind("Point group D3h (-6m2)", 0), 0u) << name;
     EXPECT_EQ(runOrvane("symmetry D7").exitCode, 1);
 }
 

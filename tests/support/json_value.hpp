@@ -1,6 +1,6 @@
 #pragma once
 // A minimal JSON reader for the reference tables the tests compare with
-// (escapes are kept as the escaped character; \uXXXX is not decoded).
+// (an escape keeps the escaped character; \uXXXX is not decoded).
 #include <cctype>
 #include <fstream>
 #include <map>
@@ -12,7 +12,7 @@
 namespace orvane::test {
 
 struct JsonValue {
-    bool null = true, boolean = false;
+    bool null = false, boolean = false;
     double number = 0.0;
     std::string text;
     std::vector<JsonValue> items;
@@ -22,38 +22,34 @@ struct JsonValue {
 };
 
 inline JsonValue parseJson(const std::string& s, std::size_t& at) {
-    auto skip = [&] { while (at < s.size() && std::isspace(static_cast<unsigned char>(s[at]))) ++at; };
-    auto take = [&](char c) { return skip(), at < s.size() && s[at] == c ? (++at, true) : false; };
+    auto take = [&](char c) {
+        while (at < s.size() && std::isspace(static_cast<unsigned char>(s[at]))) ++at;
+        return at < s.size() && s[at] == c ? (++at, true) : false;
+    };
     auto string = [&] {
         std::string out;
-        for (++at; at < s.size() && s[at] != '"'; ++at) out += s[at] == '\\' ? s[++at] : s[at];
-        ++at;
-        return out;
+        while (at < s.size() && s[at] != '"') out += s[at] == '\\' ? s[++at] : s[at], ++at;
+        return ++at, out;
     };
     JsonValue v;
-    skip();
-    if (at >= s.size()) throw std::runtime_error("JSON: value expected");
-    v.null = false;
     if (take('{')) {
-        if (take('}')) return v;
-        do {
-            skip();
-            const std::string key = string();
-            if (!take(':')) throw std::runtime_error("JSON: ':' expected");
-            v.fields[key] = parseJson(s, at);
-        } while (take(','));
-        if (!take('}')) throw std::runtime_error("JSON: '}' expected");
+        if (!take('}')) {
+            do {
+                const std::string key = (take('"'), string());
+                v.fields[key] = (take(':'), parseJson(s, at));
+            } while (take(','));
+            take('}');
+        }
     } else if (take('[')) {
-        if (take(']')) return v;
-        do v.items.push_back(parseJson(s, at));
-        while (take(','));
-        if (!take(']')) throw std::runtime_error("JSON: ']' expected");
-    } else if (s[at] == '"') {
+        if (!take(']')) {
+            do v.items.push_back(parseJson(s, at));
+            while (take(','));
+            take(']');
+        }
+    } else if (take('"')) {
         v.text = string();
-    } else if (s.compare(at, 4, "null") == 0) {
-        v.null = true, at += 4;
-    } else if (s.compare(at, 4, "true") == 0 || s.compare(at, 5, "false") == 0) {
-        v.boolean = s[at] == 't', at += v.boolean ? 4 : 5;
+    } else if (s.compare(at, 4, "null") == 0 || s.compare(at, 4, "true") == 0 || s.compare(at, 5, "false") == 0) {
+        v.null = s[at] == 'n', v.boolean = s[at] == 't', at += s[at] == 'f' ? 5 : 4;
     } else {
         std::size_t used = 0;
         v.number = std::stod(s.substr(at, 40), &used), at += used;
