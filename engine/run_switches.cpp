@@ -80,6 +80,7 @@ std::string runSwitchesText(const RunSwitches& s) {
     if (s.actualShell) line += "/actualshell";
     if (s.irNotation != 1) line += "/IRnotation= " + std::to_string(s.irNotation) + " ";
     if (s.properRotationIrreps) line += "/IRproper";
+    if (s.detailedProperties) line += "/detailedproperties";
     if (s.energyUnit != EnergyUnit::Wavenumber)
         line += "/Eunit=" + std::to_string(static_cast<int>(s.energyUnit)) + " ";
     if (s.cubicCF) line += "/cubiccf";

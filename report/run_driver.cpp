@@ -24,6 +24,7 @@
 #include "engine/free_ion_contributions.hpp"
 #include "report/general_output.hpp"
 #include "engine/j_multiplet_elements.hpp"
+#include "engine/editor_checks.hpp"
 #include "engine/level_symmetry.hpp"
 #include "engine/parameter_file.hpp"
 #include "engine/run_switches.hpp"
@@ -238,6 +239,7 @@ RunOutcome runEngine(int mode, std::filesystem::path parameterFile, RunRequest r
     progress.appendLine("Get parameters from " + parameterFile.string());
     progress.appendLine("General output to " + outcome.names.general);
     writeParameterEcho(general, set);
+    for (const auto& warning : crystalFieldSymmetryWarnings(set)) progress.appendLine("Warning: " + warning);
     progress.appendLine("Store up sorted Eigen energies in " + outcome.names.energies);
     progress.appendLine("Store up eigenvectors and energies in " + outcome.names.vectors);
     progress.appendLine("min. value of eigenstate to be processed is " + request.minComponent);
