@@ -36,5 +36,6 @@ void addBatchCommand(CLI::App& app);    // orvane batch LIST
 void addPropertyCommands(CLI::App& app);
 void addFitCommand(CLI::App& app);  // orvane fit FILE.par --observed LEVELS
 void addDECommand(CLI::App& app);   // orvane de FILE.par --observed LEVELS --bounds BOUNDS
+void addSymmetryCommand(CLI::App& app);  // orvane symmetry GROUP
 
 }  // namespace orvane::cli

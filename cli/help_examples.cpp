@@ -49,6 +49,7 @@ const std::map<std::string, std::string>& examples() {
         {"jo-fit", "orvane jo-fit examples/Er3plus-LaF3.par --measured lines.csv"},
         {"fit", "orvane fit examples/Pr3plus-LaF3.par --observed examples/Pr3plus-LaF3-levels.txt "
                 "--free EAVG,F2,B20,B40 --ultimate"},
+        {"symmetry", "orvane symmetry D3h"},
         {"de", "orvane de examples/Pr3plus-LaF3.par --observed examples/Pr3plus-LaF3-levels.txt --bounds bounds.txt"},
     };
     return table;

@@ -36,6 +36,7 @@ int main(int argc, char** argv) {
     orvane::cli::addPropertyCommands(app);
     orvane::cli::addFitCommand(app);
     orvane::cli::addDECommand(app);
+    orvane::cli::addSymmetryCommand(app);
     orvane::cli::addHelpExamples(app);
     try {
         app.parse(argc, argv);

@@ -108,6 +108,7 @@ void printSet(std::ostream& out, const ParameterSet& set) {
     if (set.switches.pointGroup) {
         const FoldCheck fold = checkFold(set.fold, *set.switches.pointGroup);
         if (!fold.message.empty()) out << "Warning: " << fold.message << "\n";
+        for (const std::string& warning : crystalFieldSymmetryWarnings(set)) out << "Warning: " << warning << "\n";
     }
 }
 

@@ -6,6 +6,7 @@
 
 #include "core/text.hpp"
 #include "engine/cell_value.hpp"
+#include "params/crystal_field_symmetry.hpp"
 
 namespace orvane {
 namespace {
@@ -97,12 +98,12 @@ IonElectrons electronsFromTitle(std::string_view title) {
 }
 
 const std::vector<PointGroup>& crystallographicPointGroups() {
-    static const std::vector<PointGroup> groups = {
-        {"C1", 1},  {"Ci", 1},  {"C2", 2},  {"Cs", 2},  {"C2h", 2}, {"D2", 2},  {"C2v", 2},
-        {"D2h", 2}, {"C4", 4},  {"S4", 4},  {"C4h", 4}, {"D4", 4},  {"C4v", 4}, {"D2d", 4},
-        {"D4h", 4}, {"C3", 3},  {"S6", 3},  {"D3", 3},  {"C3v", 3}, {"D3d", 3}, {"C6", 6},
-        {"C3h", 6}, {"C6h", 6}, {"D6", 6},  {"C6v", 6}, {"D3h", 6}, {"D6h", 6}, {"T", 2},
-        {"Th", 2},  {"O", 4},   {"Td", 4},  {"Oh", 4}};
+    static const std::vector<PointGroup> groups = [] {
+        std::vector<PointGroup> list;
+        for (int n = 1; n <= params::kPointGroupCount; ++n)
+            list.push_back({params::pointGroup(n).name, params::pointGroup(n).fold});
+        return list;
+    }();
     return groups;
 }
 
@@ -119,6 +120,24 @@ FoldCheck checkFold(int fileFold, int pointGroupIndex) {
     return {true, group->fold,
             "Fold of symmetry axis n should be updated from " + std::to_string(fileFold) + " to " +
                 std::to_string(group->fold)};
+}
+
+std::vector<std::string> crystalFieldSymmetryWarnings(const ParameterSet& set) {
+    std::vector<std::string> warnings;
+    if (!set.switches.pointGroup || pointGroupByIndex(*set.switches.pointGroup) == nullptr) return warnings;
+    const auto& group = params::pointGroup(*set.switches.pointGroup);
+    for (const CrystalFieldRow& row : set.crystalField) {
+        const int q = std::abs(row.q);
+        for (const bool imaginary : {false, true}) {
+            const double value = imaginary ? row.im.value : row.re.value;
+            if (value == 0.0 || (imaginary && q == 0) || row.k % 2 != 0 || row.k > 6) continue;
+            if (!params::crystalFieldComponentAllowed(group, {row.k, q, imaginary}))
+                warnings.push_back(std::string(imaginary ? "Im " : "") + "B" + std::to_string(row.k) +
+                                   std::to_string(row.q) + " is forbidden by the site symmetry " + group.name +
+                                   " (standard orientation)");
+        }
+    }
+    return warnings;
 }
 
 std::vector<std::string> correlationSectionQuestions(const ParameterSet& set) {

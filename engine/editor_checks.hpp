@@ -43,11 +43,11 @@ struct IonElectrons {
 IonElectrons electronsFromTitle(std::string_view title);
 
 // The crystallographic point groups (Schoenflies symbols) in the order that
-// the "/ptgp= n" switch indexes from 1, with the fold of the main (z) axis as
-// it acts on the even-rank crystal field: an improper axis S_n acts there as a
-// proper rotation (S4 -> 4, S6 -> 3, C3h and D3h -> 6, a mirror plane
-// perpendicular to z -> 2). Cubic groups take z along a 4-fold axis (O, Oh,
-// Td) or, for T and Th, along a 2-fold axis.
+// the "/ptgp= n" switch indexes from 1 (params/point_group.hpp), with the fold
+// of the main (z) axis as it acts on the even-rank crystal field: an improper
+// axis S_n acts there as a proper rotation (S4 -> 4, S6 -> 3, C3h and D3h ->
+// 6, a mirror plane perpendicular to z -> 2). Cubic groups take z along a
+// 4-fold axis (O, Oh, Td) or, for T and Th, along a 2-fold axis.
 struct PointGroup {
     std::string_view name;
     int fold;
@@ -73,5 +73,10 @@ FoldCheck checkFold(int fileFold, int pointGroupIndex);
 // for a row whose (k, q) has no crystal-field row, "Incompatible k q = " k " "
 // q " for  the row " r ". Continue?" (r counted from 1 within its section).
 std::vector<std::string> correlationSectionQuestions(const ParameterSet& set);
+
+// For a set with "/ptgp= n": one warning per crystal-field part (Re or Im of
+// B(k,q), k = 2, 4, 6) that is non-zero although the group forbids it in its
+// standard orientation: "B43 is forbidden by the site symmetry D4h (standard orientation)".
+std::vector<std::string> crystalFieldSymmetryWarnings(const ParameterSet& set);
 
 }  // namespace orvane

@@ -14,6 +14,7 @@
 #include "engine/hamiltonian_printout.hpp"
 #include "engine/other_free_ion.hpp"
 #include "engine/t2_correction.hpp"
+#include "params/point_group.hpp"
 
 namespace orvane {
 
@@ -96,7 +97,10 @@ EnergyLevelResult computeEnergyLevels(const ParameterSet& set, const std::filesy
     log.appendLine("Storing transformed reduced matrix elements");
     result.crystalFieldTensors =
         transformTensors(model.tables(), result.freeIonOperators, result.freeIon, model.correlation());
-    log.appendLine(fmt::format("Fold of symmetry = {}", set.fold));
+    std::string site;
+    if (set.switches.pointGroup && *set.switches.pointGroup >= 1 && *set.switches.pointGroup <= params::kPointGroupCount)
+        site = " (Site-symmetry: " + params::pointGroup(*set.switches.pointGroup).name + ")";
+    log.appendLine(fmt::format("Fold of symmetry = {}{}", set.fold, site));
     if (set.switches.cubicCF) log.appendLine("Cubic Crystal Field assumed!");
     auto& operators = result.crystalFieldOperators;
     operators.fold = set.fold;

@@ -174,6 +174,13 @@ void describeModelLevel(const ModelLevel& vectors, const ModelBlock& block, cons
         collectComponents(vectors.vector, block.states, basis.firstOfJState, minComponent, multipletWeight, touched,
                           level);
     finishLevel(level, basis);
+    level.jz = 0.0;
+    for (std::size_t p = 0; p < block.states.size(); ++p) {
+        const double weight = vectors.complexVector.size() > 0 ? std::norm(vectors.complexVector(p))
+                              : vectors.vector.size() > 0      ? vectors.vector(p) * vectors.vector(p)
+                                                               : 0.0;
+        level.jz += weight * block.states[p].twiceM / 2.0;
+    }
 }
 
 std::vector<ResultLevel> crystalFieldResultLevels(const EnergyLevelResult& result, const ResultBasis& basis,

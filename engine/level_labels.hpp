@@ -60,6 +60,8 @@ struct ResultLevel {
     std::vector<MultipletWeight> multiplets; // every non-zero multiplet weight, decreasing
     std::string label;
     bool mixed = false;
+    std::string irrep;  // irreducible representation under the site group (engine/level_symmetry.hpp), or empty
+    double jz = 0.0;    // <J_z> = sum |c|^2 MJ over the whole vector (crystal-field levels)
 };
 
 inline constexpr double kMixingShare = 0.10;

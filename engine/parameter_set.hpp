@@ -63,6 +63,8 @@ struct RunSwitches {
     bool useZic = false;             // "/usezic"
     bool actualShell = false;        // "/actualshell"
     int irNotation = 1;              // "/IRnotation= n", 1..4
+    bool properRotationIrreps = false;  // "/IRproper": improper elements act as their proper part
+    bool detailedProperties = false;    // "/detailedproperties"
     EnergyUnit energyUnit = EnergyUnit::Wavenumber;  // "/Eunit=n"
     bool cubicCF = false;            // "/cubiccf"
     std::optional<int> pointGroup;   // "/ptgp= n"

@@ -41,6 +41,8 @@ RunSwitches readRunSwitches(std::string_view line) {
     if (has(line, "/mnuIRuser")) s.irNotation = 3;
     if (has(line, "/mnuIRcqn")) s.irNotation = 4;
     if (const auto n = valueAfter(line, "/IRnotation="); n && *n >= 1 && *n <= 4) s.irNotation = *n;
+    s.properRotationIrreps = has(line, "/IRproper");
+    s.detailedProperties = has(line, "/detailedproperties");
     if (has(line, "/Eunit=2")) s.energyUnit = EnergyUnit::MilliElectronVolt;
     if (has(line, "/Eunit=3")) s.energyUnit = EnergyUnit::Kelvin;
     if (has(line, "/Eunit=4")) s.energyUnit = EnergyUnit::MilliRydberg;
@@ -77,6 +79,8 @@ std::string runSwitchesText(const RunSwitches& s) {
     if (s.useZic) line += "/usezic";
     if (s.actualShell) line += "/actualshell";
     if (s.irNotation != 1) line += "/IRnotation= " + std::to_string(s.irNotation) + " ";
+    if (s.properRotationIrreps) line += "/IRproper";
+    if (s.detailedProperties) line += "/detailedproperties";
     if (s.energyUnit != EnergyUnit::Wavenumber)
         line += "/Eunit=" + std::to_string(static_cast<int>(s.energyUnit)) + " ";
     if (s.cubicCF) line += "/cubiccf";

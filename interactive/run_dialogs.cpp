@@ -5,6 +5,9 @@
 #include "core/number_format.hpp"
 #include "core/text.hpp"
 #include "core/user_error.hpp"
+#include "properties/g_factors.hpp"
+#include "properties/magnetic_moment.hpp"
+#include "properties/property_states.hpp"
 
 namespace orvane {
 
@@ -23,6 +26,23 @@ void askRunInputs(Asker& asker, RunRequest& request) {
         if (const auto value = parseNumber(trim(*answer))) request.energyShift = *value;
     }
 }
+
+namespace {
+
+// The g-factors of the doublets of a crystal-field run (properties/g_factors.hpp).
+std::vector<DoubletGValues> doubletGValues(const EnergyLevelResult& result) {
+    if (!result.model || result.modelLevels.empty()) return {};
+    ModelSolution solution;
+    solution.levels = result.modelLevels;
+    const auto states = crystalFieldStates(*result.model, solution, 1.0);
+    const auto moment = magneticMomentOperator(states);
+    std::vector<DoubletGValues> doublets;
+    for (const auto& [first, second] : pairDoublets(states))
+        doublets.push_back({first, second, doubletGFactors(states, moment, first, second).g});
+    return doublets;
+}
+
+}  // namespace
 
 RunOutcome runEngineAsking(int mode, std::filesystem::path parameterFile, RunRequest request,
                            InteractiveRunEnvironment& environment) {
@@ -47,6 +67,7 @@ RunOutcome runEngineAsking(int mode, std::filesystem::path parameterFile, RunReq
                            std::filesystem::path given = std::string(trim(*answer));
                            return std::filesystem::is_directory(given) ? given : given.parent_path();
                        }};
+    run.doubletGFactors = doubletGValues;
     return runEngine(mode, std::move(parameterFile), std::move(request), run);
 }
 

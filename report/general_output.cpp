@@ -42,9 +42,11 @@ double levelGFactor(const ResultLevel& level, const ResultBasis& basis, const st
     return g;
 }
 
-void writeBanner(LogBook& out, const std::string& version) {
+void writeBanner(LogBook& out, const std::string& version, bool solutionForm) {
     const std::string stars(79, '*');
-    appendLines(out, {stars, "Orvane: Spectroscopic Analysis Package for any f-state ions",
+    appendLines(out, {stars,
+                      solutionForm ? " Orvane: Solution of the Hamiltonian for any f-state ions"
+                                   : "Orvane: Spectroscopic Analysis Package for any f-state ions",
                       " including electrostatic (2-body), spin-orbit, two/three-particle and magnetic interactions ",
                       " and all CF interactions at general site-symmetry  (Windows 95/98/NT/XP/7/8/10 version " +
                           version + " )",
@@ -162,6 +164,35 @@ std::vector<DegenerateGroup> degenerateGroups(const std::vector<ResultLevel>& le
     return groups;
 }
 
+namespace {
+
+// The "mu/IR" text of a level: its irrep when labelled, else its crystal quantum number.
+std::string muOrIrrep(const ResultLevel& level, int fold) {
+    if (!level.irrep.empty()) return level.irrep;
+    return level.residue < 0 ? "  -" : formatTwiceJ(twiceCrystalQuantumNumber(level.residue, fold));
+}
+
+}  // namespace
+
+void writeDetailedProperties(LogBook& out, const std::vector<ResultLevel>& levels, int fold,
+                             const std::vector<DoubletGValues>& doublets, double shift) {
+    out.appendLine("Detailed properties of the levels");
+    out.appendLine("State     Energy      Label SLJ     mu/IR      <Jz>        gx        gy        gz");
+    std::vector<const DoubletGValues*> doubletOf(levels.size(), nullptr);
+    for (const auto& doublet : doublets)
+        if (doublet.first >= 0 && doublet.first < static_cast<int>(levels.size())) doubletOf[doublet.first] = &doublet;
+    for (std::size_t i = 0; i < levels.size(); ++i) {
+        std::string label = levels[i].label, mu = muOrIrrep(levels[i], fold);
+        label.resize(std::max<std::size_t>(label.size(), 12), ' ');
+        mu.insert(0, mu.size() < 7 ? 7 - mu.size() : 0, ' ');
+        std::string line = formatNumber(static_cast<double>(i + 1), "####") + energyText(levels[i].energy + shift) +
+                           "  " + label + mu + formatNumber(levels[i].jz, "###0.0000");
+        if (const auto* doublet = doubletOf[i])
+            for (double g : doublet->g) line += formatNumber(g, "####0.0000");
+        out.appendLine(line);
+    }
+}
+
 void writeLevelTable(LogBook& out, const std::vector<ResultLevel>& levels, int fold, double shift) {
     out.appendLine("*No. (State) [Eigen]   Energy      Label SLJ  mu/IR Splitting         s'     deg.  mixing");
     if (levels.empty()) return;
@@ -169,8 +200,7 @@ void writeLevelTable(LogBook& out, const std::vector<ResultLevel>& levels, int f
     int number = 0;
     for (const auto& group : degenerateGroups(levels)) {
         const auto& level = levels[group.first];
-        const std::string mu =
-            level.residue < 0 ? "  -" : formatTwiceJ(twiceCrystalQuantumNumber(level.residue, fold));
+        const std::string mu = muOrIrrep(level, fold);
         std::string label = level.label;
         label.resize(std::max<std::size_t>(label.size(), 10), ' ');
         std::string muText = mu;

@@ -28,7 +28,9 @@ double landeG(int twiceS, int L, int twiceJ);
 // operator L + g_s S is diagonal in S and L).
 double levelGFactor(const ResultLevel& level, const ResultBasis& basis, const std::vector<EngineTerm>& terms);
 
-void writeBanner(LogBook& out, const std::string& version);
+// The second form (" Orvane: Solution of the Hamiltonian for any f-state ions")
+// heads runs with "/detailedproperties".
+void writeBanner(LogBook& out, const std::string& version, bool solutionForm = false);
 
 // The parameter file as the engine echoes it.
 void writeParameterEcho(LogBook& out, const ParameterSet& set);
@@ -60,6 +62,19 @@ std::vector<DegenerateGroup> degenerateGroups(const std::vector<ResultLevel>& le
 
 // "*No. (State) [Eigen]  Label SLJ  mu/IR  Splitting  deg.": one line per degenerate level.
 void writeLevelTable(LogBook& out, const std::vector<ResultLevel>& levels, int fold, double shift);
+
+// The g-factors of one doublet (state numbers 0-based, principal values along x, y, z).
+struct DoubletGValues {
+    int first = 0;
+    int second = 0;
+    std::array<double, 3> g{};
+};
+
+// "/detailedproperties": "Detailed properties of the levels" with, per state,
+// its number, energy, label, irreducible representation (or mu), <J_z> and, on
+// the first state of each doublet, gx, gy, gz.
+void writeDetailedProperties(LogBook& out, const std::vector<ResultLevel>& levels, int fold,
+                             const std::vector<DoubletGValues>& doublets, double shift);
 
 // "J-multiplet       <||C(2)||>  <||C(4)||>  <||C(6)||>" and the correlation
 // columns (" <||VS(2)||>" ...) when present; values "###0.00000".

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <fstream>
+#include <map>
+#include <sstream>
 #include <memory>
 #include <optional>
 #include <ostream>
@@ -21,6 +24,8 @@
 #include "engine/free_ion_contributions.hpp"
 #include "report/general_output.hpp"
 #include "engine/j_multiplet_elements.hpp"
+#include "engine/editor_checks.hpp"
+#include "engine/level_symmetry.hpp"
 #include "engine/parameter_file.hpp"
 #include "engine/run_switches.hpp"
 #include "report/state_vector_file.hpp"
@@ -154,6 +159,37 @@ void requireAscending(const std::vector<ResultLevel>& levels, double shift) {
                                         levels[i - 1].energy));
 }
 
+// The user-defined notation of irreducible representations: lines
+// "group Koster-label user-label" ("D3h G7 E1/2") of the file kUserIrrepFile
+// beside the parameter file; a label without a line keeps its Koster name.
+std::map<std::string, std::string> userIrrepNames(const std::filesystem::path& parameterFile, const std::string& group) {
+    std::map<std::string, std::string> names;
+    std::ifstream in(parameterFile.parent_path() / kUserIrrepFile);
+    std::string line;
+    while (std::getline(in, line)) {
+        std::istringstream fields(line);
+        std::string name, koster, user;
+        if (fields >> name >> koster >> user && name == group) names[koster] = user;
+    }
+    return names;
+}
+
+// The irreducible representation of every crystal-field level under the
+// group of "/ptgp= n", in the notation of "/IRnotation= n" (none for notation 4).
+void attachIrreps(const EnergyLevelResult& result, const RunSwitches& switches,
+                  const std::filesystem::path& parameterFile, std::vector<ResultLevel>& levels) {
+    const auto site = siteLabellingOf(switches);
+    if (!site || result.modelLevels.size() != levels.size()) return;
+    const auto labels = levelIrrepLabels(*result.model, result.modelLevels, *site);
+    const auto userNames = static_cast<IrNotation>(switches.irNotation) == IrNotation::UserDefined
+                               ? userIrrepNames(parameterFile, site->group->name)
+                               : std::map<std::string, std::string>{};
+    for (std::size_t i = 0; i < levels.size(); ++i) {
+        const auto user = userNames.find(labels[i]);
+        levels[i].irrep = user != userNames.end() ? user->second : labels[i];
+    }
+}
+
 std::string timeStamp() {
     const auto now = localNow();
     return formatDate(now) + " " + formatTime(now);
@@ -198,11 +234,12 @@ RunOutcome runEngine(int mode, std::filesystem::path parameterFile, RunRequest r
     LogBook& general = generalStream ? static_cast<LogBook&>(*generalStream) : nowhere;
     TeeLogBook progress(general, environment.log);
 
-    writeBanner(general, orvaneVersion());
+    writeBanner(general, orvaneVersion(), set.switches.detailedProperties);
     progress.appendLine("*** Starting time: " + timeStamp());
     progress.appendLine("Get parameters from " + parameterFile.string());
     progress.appendLine("General output to " + outcome.names.general);
     writeParameterEcho(general, set);
+    for (const auto& warning : crystalFieldSymmetryWarnings(set)) progress.appendLine("Warning: " + warning);
     progress.appendLine("Store up sorted Eigen energies in " + outcome.names.energies);
     progress.appendLine("Store up eigenvectors and energies in " + outcome.names.vectors);
     progress.appendLine("min. value of eigenstate to be processed is " + request.minComponent);
@@ -258,11 +295,17 @@ RunOutcome runEngine(int mode, std::filesystem::path parameterFile, RunRequest r
         finalBasis = crystalFieldResultBasis(tables.terms, result.freeIonOperators.basis);
         outcome.levels = crystalFieldResultLevels(result, finalBasis, minComponent);
         requireAscending(outcome.levels, shift);
+        attachIrreps(result, set.switches, parameterFile, outcome.levels);
         writeCumulativeEnergies(general, outcome.levels, shift);
         writeStatevectors(general, "Eigen energies and statevectors", outcome.levels, finalBasis,
                           request.eigenvectorsToStore, shift);
         writeStateLabels(general, finalBasis);
         writeLevelTable(general, outcome.levels, set.fold, shift);
+        if (set.switches.detailedProperties)
+            writeDetailedProperties(general, outcome.levels, set.fold,
+                                    environment.doubletGFactors ? environment.doubletGFactors(result)
+                                                                : std::vector<DoubletGValues>{},
+                                    shift);
         const auto& tensors = result.crystalFieldTensors;
         writeMultipletElements(general, multipletCrystalFieldElements(tensors, result.conjugate), freeIonLevels);
         const auto invariants = appliedInvariants(result);

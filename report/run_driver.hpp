@@ -27,6 +27,7 @@
 #include "core/settings_store.hpp"
 #include "core/user_error.hpp"
 #include "engine/level_labels.hpp"
+#include "report/general_output.hpp"
 #include "report/run_request.hpp"
 
 namespace orvane {
@@ -35,6 +36,8 @@ inline constexpr const char* kSettingsSection = "Settings";
 inline constexpr const char* kInteractivePromptKey = "InteractivePrompt";
 inline constexpr const char* kKeepEnergiesKey = "KeepEnergies";
 inline constexpr const char* kRunCounterKey = "RunCounter";
+// The user-defined notation of irreducible representations ("/IRnotation= 3"), beside the parameter file.
+inline constexpr const char* kUserIrrepFile = "irnotation.txt";
 
 struct RunEnvironment {
     LogBook& log;
@@ -44,6 +47,9 @@ struct RunEnvironment {
     // category Tables): another directory to try, or std::nullopt to give up.
     // Empty: give up at once.
     std::function<std::optional<std::filesystem::path>(const UserError&)> tablesMissing = {};
+    // "/detailedproperties": the g-factors of the doublets of a crystal-field
+    // run (a layer above the engine computes them); empty: no g columns.
+    std::function<std::vector<DoubletGValues>(const EnergyLevelResult&)> doubletGFactors = {};
 };
 
 struct RunOutcome {

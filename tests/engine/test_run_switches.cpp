@@ -13,9 +13,10 @@ TEST(RunSwitches, FoundInAnyOrderAndWrittenBackInTableOrder) {
     EXPECT_EQ(a.energyUnit, EnergyUnit::MilliElectronVolt);
     const RunSwitches all = readRunSwitches(
         "/ccf/printhm/spinmmin= 3 /ptgp= 31 /cubiccf/Eunit=4 /IRnotation= 2 /actualshell/usezic"
-        "/t2correction/wrongrankss/noss/opimkpk");
+        "/t2correction/wrongrankss/noss/opimkpk/IRproper/detailedproperties");
     EXPECT_TRUE(all.opimkpk && all.noSpinSpin && all.wrongRankSpinSpin && all.t2Correction && all.useZic &&
-                all.actualShell && all.cubicCF && all.printHamiltonian && all.correlationSections);
+                all.actualShell && all.cubicCF && all.printHamiltonian && all.correlationSections &&
+                all.properRotationIrreps && all.detailedProperties);
     EXPECT_EQ(all.minSpinMultiplicity, 3);
     EXPECT_EQ(all.pointGroup, 31);
     RunSwitches back = readRunSwitches(runSwitchesText(all));

@@ -35,6 +35,12 @@ TEST(OrvaneCommand, CalculatorsPrintTheValueLast) {
     }
 }
 
+TEST(OrvaneCommand, SymmetryFindsTheGroupByEitherSymbolOrNumber) {
+    for (const char* name : {"D3h", "-6m2", "26"})
+        EXPECT_EQ(runOrvane(std::string("symmetry ") + name).out.rfind("Point group D3h (-6m2)", 0), 0u) << name;
+    EXPECT_EQ(runOrvane("symmetry D7").exitCode, 1);
+}
+
 TEST(OrvaneCommand, UsageErrorsExitWithTwo) {
     for (const char* arguments : {"calc 3j 1 1", "calc 6j 1 x 1 1 1 1", "no-such-command", ""}) {
         SCOPED_TRACE(arguments);
