@@ -194,6 +194,32 @@ TEST(Magnetism, KernelCutOffAndDegeneratePairs) {
     EXPECT_NEAR(split.chi[2], kMolarMomentWavenumbers * (2.0 / 2e-5 - w * 2.0 / 2e-5) / (1 + w), 1e-9 * std::abs(split.chi[2]));
 }
 
+// In a tie of gaps (three degenerate states) the labels decide: equal irreps
+// under the site group pair, different ones do not, whatever mu says; without
+// irreps (or for a level flagged "?") opposite mu pair.
+TEST(Magnetism, PairingTiesDecidedByIrrepThenMu) {
+    struct Case {
+        std::vector<const char*> irreps;
+        std::vector<int> twiceMu;
+        std::vector<std::pair<int, int>> pairs;
+    };
+    const Case cases[] = {{{"", "", ""}, {1, -1, 3}, {{0, 1}, {2, 3}}},  // state 3: 100 cm^-1 above
+                          {{"G6", "G7", "G7"}, {1, -1, 3}, {{1, 2}}},
+                          {{"G8", "G8", "G8"}, {1, 3, -3}, {{0, 1}, {2, 3}}},
+                          {{"?", "?", "?"}, {1, 3, -3}, {{1, 2}}}};
+    for (const auto& c : cases) {
+        PropertyStates states;
+        for (std::size_t i = 0; i < c.irreps.size(); ++i) {
+            states.states.push_back({});
+            states.states.back().twiceMu = c.twiceMu[i];
+            states.states.back().irrep = c.irreps[i];
+        }
+        states.states.push_back({});
+        states.states.back().energy = 100.0;
+        EXPECT_EQ(pairDoublets(states), c.pairs) << c.irreps[0];
+    }
+}
+
 TEST(Magnetism, TemperatureGrids) {
     const auto smart = temperatureGrid(0.001, 300);
     ASSERT_EQ(smart.size(), 48u);
