@@ -4,6 +4,7 @@
 // Landé factors, the Curie limit, rotation invariance of the g tensor and of
 // the average susceptibility, the conjugate shell against f^n itself, and the
 // kernel's two edge cases.
+#include <array>
 #include <cmath>
 #include <map>
 
@@ -198,24 +199,18 @@ TEST(Magnetism, KernelCutOffAndDegeneratePairs) {
 // under the site group pair, different ones do not, whatever mu says; without
 // irreps (or for a level flagged "?") opposite mu pair.
 TEST(Magnetism, PairingTiesDecidedByIrrepThenMu) {
-    struct Case {
-        std::vector<const char*> irreps;
-        std::vector<int> twiceMu;
-        std::vector<std::pair<int, int>> pairs;
-    };
-    const Case cases[] = {{{"", "", ""}, {1, -1, 3}, {{0, 1}, {2, 3}}},  // state 3: 100 cm^-1 above
-                          {{"G6", "G7", "G7"}, {1, -1, 3}, {{1, 2}}},
-                          {{"G8", "G8", "G8"}, {1, 3, -3}, {{0, 1}, {2, 3}}},
-                          {{"?", "?", "?"}, {1, 3, -3}, {{1, 2}}}};
+    const struct {
+        std::array<const char*, 3> irreps;
+        std::array<int, 3> twiceMu;
+        std::vector<std::pair<int, int>> pairs;  // state 3 lies 100 cm^-1 above
+    } cases[] = {{{"", "", ""}, {1, -1, 3}, {{0, 1}, {2, 3}}},
+                 {{"G6", "G7", "G7"}, {1, -1, 3}, {{1, 2}}},
+                 {{"G8", "G8", "G8"}, {1, 3, -3}, {{0, 1}, {2, 3}}},
+                 {{"?", "?", "?"}, {1, 3, -3}, {{1, 2}}}};
     for (const auto& c : cases) {
         PropertyStates states;
-        for (std::size_t i = 0; i < c.irreps.size(); ++i) {
-            states.states.push_back({});
-            states.states.back().twiceMu = c.twiceMu[i];
-            states.states.back().irrep = c.irreps[i];
-        }
-        states.states.push_back({});
-        states.states.back().energy = 100.0;
+        for (int i = 0; i < 3; ++i) states.states.push_back({.twiceMu = c.twiceMu[i], .irrep = c.irreps[i]});
+        states.states.push_back({.energy = 100.0, .irrep = {}});
         EXPECT_EQ(pairDoublets(states), c.pairs) << c.irreps[0];
     }
 }
