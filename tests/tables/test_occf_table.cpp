@@ -46,7 +46,9 @@ TEST(OccfTable, EscalationHermiticityConfinementAndOrthogonality) {
                 for (Eigen::Index i = 0; i < g.rows(); ++i)
                     for (Eigen::Index j = 0; j < g.cols(); ++j) {
                         EXPECT_NEAR(g(j, i), ((terms[i].L - terms[j].L) % 2 == 0 ? 1 : -1) * g(i, j), 1e-12);
-                        if (n == 2 && terms[i].twiceS != (variant == 'A' ? 0 : 2)) EXPECT_EQ(g(i, j), 0.0);
+                        if (n == 2 && terms[i].twiceS != (variant == 'A' ? 0 : 2)) {
+                            EXPECT_EQ(g(i, j), 0.0);
+                        }
                     }
                 EXPECT_GT(g.cwiseAbs().maxCoeff(), 0.05) << "g(" << K << ")10" << variant << " f" << n;
                 EXPECT_NEAR(traceProduct(terms, g, u), 0.0, 1e-12) << "g(" << K << ")10" << variant << " f" << n;
@@ -61,7 +63,7 @@ TEST(OccfTable, ATableWithoutTheVersionLineIsGeneratedAgain) {
     const auto build = [&] { return BuildOccfTable(3, 4, 'A', dir, log); };
     const auto path = freshGeneratedTable(dir, "f3g(4)10A.val", build, log);
     const std::string generated = readTextFile(path);
-    for (const std::string& stale : {"g(4)10A  f3\n 1  1  1.0\n",  // written elsewhere or by an older build
+    for (const char* stale : {"g(4)10A  f3\n 1  1  1.0\n",  // written elsewhere or by an older build
                                      "g(4)10A  f3  [Orvane tables generator 1]\n 1  1  1.0\n"}) {
         writeFileAtomically(path, stale);
         EXPECT_EQ(readTextFile(freshGeneratedTable(dir, "f3g(4)10A.val", build, log)), generated);
