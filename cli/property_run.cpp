@@ -97,7 +97,9 @@ PropertyRun runForProperties(const PropertyRunOptions& options, LogBook& log) {
         model.solve(parameterVectorOf(run.set, options.complex), {options.freeIon, true, kAllEigenvalues, {}, {}}, workspace);
     if (solution.status != EigenStatus::Ok) throw UserError("Error in Main", "the diagonalisation failed");
     const double factor = wavenumbersPerUnit(run.set);
-    run.states = crystalField ? crystalFieldStates(model, solution, factor) : freeIonStates(model, solution.freeIon, factor);
+    const auto site = siteLabellingOf(run.set.switches);  // pairing by irreps under "/ptgp= n"
+    run.states = crystalField ? crystalFieldStates(model, solution, factor, site ? &*site : nullptr)
+                              : freeIonStates(model, solution.freeIon, factor);
     return run;
 }
 

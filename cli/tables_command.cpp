@@ -2,6 +2,7 @@
 // the reduced-matrix-element tables.
 //   build [--n N | --all] [--dir DIR]  every table the engine needs for f^N
 //                                      (with the three-body and magnetic tables)
+//   build ... --correlation            also the LCCF and OCCF tables (K = 2, 4, 6)
 //   build --delivered [--dir DIR]      fNstate.lab and fNcfp.val, N = 1..7
 //   compare --reference DIR [--n N]    generated against published tables
 //   check uk|es|ti|mkpk|energies       the interactive checks against one
@@ -18,6 +19,8 @@
 #include <fmt/core.h>
 
 #include "interactive/parameter_dialogs.hpp"
+#include "tables/lccf_table.hpp"
+#include "tables/occf_table.hpp"
 #include "cli/commands.hpp"
 #include "cli/terminal_log_book.hpp"
 #include "cli/exit_code.hpp"
@@ -38,6 +41,7 @@ struct TablesOptions {
     int electrons = 0;
     bool all = false;
     bool delivered = false;
+    bool correlation = false;
     std::string directory;
     std::string reference;
     std::string check;
@@ -81,6 +85,14 @@ bool runBuild(const TablesOptions& options) {
         // Three-body and magnetic tables: escalated from f^2 / f^3 through f^7.
         const auto lower = lowerConfigurationTables(generated);
         writeManyBodyTables(electrons, lower, directory, log);
+        if (options.correlation)
+            for (int n : electrons) {
+                for (int m = 1; m < n; ++m) ensureConfigurationTables(m, directory, log);
+                for (int k : {2, 4, 6}) {
+                    BuildLccfTable(n, k, directory, log);
+                    for (char variant : {'A', 'B'}) BuildOccfTable(n, k, variant, directory, log);
+                }
+            }
     }
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
     log.appendLine(fmt::format("Tables built in {:.2f} s", elapsed.count()));
@@ -130,6 +142,7 @@ void addTablesCommand(CLI::App& app) {
     auto* n = build->add_option("--n", options->electrons, "number of electrons (1..14)")->check(CLI::Range(1, 14));
     auto* all = build->add_flag("--all", options->all, "every configuration f1..f14");
     build->add_flag("--delivered", options->delivered, "regenerate fNstate.lab and fNcfp.val, N = 1..7");
+    build->add_flag("--correlation", options->correlation, "also the LCCF and OCCF tables (K = 2, 4, 6)");
     build->add_option("--dir", options->directory, "table directory (default: the delivered rme directory)");
     n->excludes(all);
     build->callback([options] { runReporting([&] { return runBuild(*options); }); });

@@ -10,6 +10,8 @@
 #include "core/user_error.hpp"
 #include "engine/engine_errors.hpp"
 #include "tables/lccf_table.hpp"
+#include "tables/occf_table.hpp"
+#include "tables/table_seal.hpp"
 #include "tables/reduced_tables.hpp"
 #include "tables/state_labels.hpp"
 #include "tables/table_builder.hpp"
@@ -65,31 +67,28 @@ Eigen::MatrixXd lCorrelatedTable(const EngineTables& tables, int n, int k, const
                                  LogBook& log) {
     const auto source = ensureConfigurationTables(n, directory, log);
     requireSameTerms(source, n, tables);
-    auto path = tableIn(source, n, tableFileName(TableOperator::Lccf, k));
-    if (!path) {
-        // The table is built from the parentage of f^n, which names the terms of f^(n-1).
-        if (n > 1) ensureConfigurationTables(n - 1, source, log);
-        path = BuildLccfTable(n, k, source, log);
-    }
-    return readTermTable(*path, tables.terms);
+    const auto path = freshGeneratedTable(
+        source, configurationFileName(n, tableFileName(TableOperator::Lccf, k)),
+        [&] {  // built from the parentage of f^n, which names the terms of f^(n-1)
+            if (n > 1) ensureConfigurationTables(n - 1, source, log);
+            return BuildLccfTable(n, k, source, log);
+        },
+        log);
+    return readTermTable(path, tables.terms);
 }
 
 Eigen::MatrixXd orthogonalCorrelationTable(const EngineTables& tables, int n, int k, char variant,
                                            const std::filesystem::path& directory, LogBook& log) {
-    const std::string name = fmt::format("g({})10{}.val", k, variant);
-    auto path = tableIn(directory, n, name);
-    if (!path) {
-        const auto source = ensureConfigurationTables(n, directory, log);
-        path = tableIn(source, n, name);
-        if (path) requireSameTerms(source, n, tables);
-    } else {
-        requireSameTerms(directory, n, tables);
-    }
-    if (!path)
-        throw UserError(kCfHamiltonianError, fmt::format("GIVE FILE NAME FOR g({})10{} RME from {} (table {} not found)",
-                                                         k, variant, directory.string(),
-                                                         configurationFileName(n, name)));
-    return readTermTable(*path, tables.terms);
+    const auto source = ensureConfigurationTables(n, directory, log);
+    requireSameTerms(source, n, tables);
+    const auto path = freshGeneratedTable(
+        source, configurationFileName(n, occfTableName(k, variant)),
+        [&] {  // escalated from f^2 through the parentage of every f^m, m <= n
+            for (int m = 1; m < n; ++m) ensureConfigurationTables(m, source, log);
+            return BuildOccfTable(n, k, variant, source, log);
+        },
+        log);
+    return readTermTable(path, tables.terms);
 }
 
 }  // namespace

@@ -28,15 +28,19 @@ CalculatedState stateOf(const ResultLevel& level, const Model& model, double ene
 
 }  // namespace
 
-std::vector<CalculatedState> calculatedStates(const Model& model, const std::vector<ModelLevel>& levels) {
+std::vector<CalculatedState> calculatedStates(const Model& model, const std::vector<ModelLevel>& levels,
+                                              const SiteLabelling* site) {
+    const auto irreps = site ? levelIrrepLabels(model, levels, *site) : std::vector<std::string>{};
     const auto basis = crystalFieldResultBasis(model.tables().terms, model.freeIonOperators().basis);
     std::vector<CalculatedState> states;
     states.reserve(levels.size());
-    for (const auto& level : levels) {
+    for (std::size_t l = 0; l < levels.size(); ++l) {
+        const auto& level = levels[l];
         const auto& block = model.blocks()[static_cast<std::size_t>(level.block)];
         ResultLevel described;
         describeModelLevel(level, block, basis, kNoComponents, described);
-        const auto irrep = formatTwiceJ(twiceCrystalQuantumNumber(block.residue, model.setup().fold));
+        const auto irrep =
+            site ? irreps[l] : formatTwiceJ(twiceCrystalQuantumNumber(block.residue, model.setup().fold));
         states.push_back(stateOf(described, model, level.energy, irrep));
     }
     return states;

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "engine/level_symmetry.hpp"
 #include "engine/model.hpp"
 #include "fit/fit_workspace.hpp"
 
@@ -24,7 +25,10 @@ struct CalculatedState {
 
 // One state per crystal-field level of `model` solved with vectors (real or
 // complex), in the order given (ascending energy: state number = index + 1).
-std::vector<CalculatedState> calculatedStates(const Model& model, const std::vector<ModelLevel>& levels);
+// With a site labelling ("/ptgp= n") the irrep is the level's irreducible
+// representation (engine/level_symmetry.hpp) instead of mu.
+std::vector<CalculatedState> calculatedStates(const Model& model, const std::vector<ModelLevel>& levels,
+                                              const SiteLabelling* site = nullptr);
 
 // One state per free-ion level (a J multiplet, ModelSolution::freeIon.levels);
 // the irreps are empty.

@@ -323,7 +323,8 @@ FitCycleReport FitSession::runCycle() {
 
 std::vector<CalculatedState> FitSession::calculatedStates() {
     update(true);
-    return model_->setup().crystalField ? orvane::calculatedStates(*model_, evaluation_.levels)
+    const auto site = siteLabellingOf(set_.switches);  // irreps of "/ptgp= n", else mu
+    return model_->setup().crystalField ? orvane::calculatedStates(*model_, evaluation_.levels, site ? &*site : nullptr)
                                         : orvane::calculatedStates(*model_, evaluation_.freeIonLevels);
 }
 

@@ -30,11 +30,11 @@ void askRunInputs(Asker& asker, RunRequest& request) {
 namespace {
 
 // The g-factors of the doublets of a crystal-field run (properties/g_factors.hpp).
-std::vector<DoubletGValues> doubletGValues(const EnergyLevelResult& result) {
+std::vector<DoubletGValues> doubletGValues(const EnergyLevelResult& result, const SiteLabelling* site) {
     if (!result.model || result.modelLevels.empty()) return {};
     ModelSolution solution;
     solution.levels = result.modelLevels;
-    const auto states = crystalFieldStates(*result.model, solution, 1.0);
+    const auto states = crystalFieldStates(*result.model, solution, 1.0, site);
     const auto moment = magneticMomentOperator(states);
     std::vector<DoubletGValues> doublets;
     for (const auto& [first, second] : pairDoublets(states))

@@ -9,6 +9,19 @@
 
 namespace orvane {
 
+namespace {
+
+// Two states of one level under the site group carry the same irrep label
+// (a two-dimensional irrep, or "G5,6" for a conjugate pair); without a group
+// (or for a level that is not one irrep, "?") time-reversal partners carry
+// opposite crystal quantum numbers.
+bool pairedByLabels(const PropertyState& a, const PropertyState& b) {
+    if (!a.irrep.empty() && !b.irrep.empty() && a.irrep != "?" && b.irrep != "?") return a.irrep == b.irrep;
+    return a.twiceMu == -b.twiceMu;
+}
+
+}  // namespace
+
 std::vector<std::pair<int, int>> pairDoublets(const PropertyStates& states) {
     std::vector<std::pair<int, int>> pairs;
     const auto n = static_cast<int>(states.states.size());
@@ -19,7 +32,7 @@ std::vector<std::pair<int, int>> pairDoublets(const PropertyStates& states) {
         const double gapAfter = i + 2 < n ? energy(i + 2) - energy(i + 1) : kInfinite;
         bool pair = gapUp < gapAfter - kDegenerateLevelTolerance;
         if (!pair && std::abs(gapUp - gapAfter) <= kDegenerateLevelTolerance)
-            pair = states.states[i].twiceMu == -states.states[i + 1].twiceMu;
+            pair = pairedByLabels(states.states[i], states.states[i + 1]);
         if (pair) {
             pairs.emplace_back(i, i + 1);
             i += 2;

@@ -5,8 +5,9 @@
 // the next one when the gap to it is smaller than the gap from that one to
 // the state after it (a Kramers pair or a quasi-doublet of non-Kramers
 // states). When the two gaps agree within kDegenerateLevelTolerance, the
-// crystal quantum numbers decide: the pair is formed when the two states
-// carry opposite mu (time-reversal partners).
+// labels decide: with a site group ("/ptgp= n") the pair is formed when the two
+// states carry the same irrep label (one level), otherwise when they carry
+// opposite mu (time-reversal partners).
 //
 // g tensor of a doublet {|1>, |2>} with m = L + g_s S (Abragam & Bleaney
 // 1970, ch. 15): (g g^T)_ab = 2 Re Tr(M_a M_b), M_a the 2 x 2 block of m_a;

@@ -73,7 +73,9 @@ std::vector<int> PropertyStates::levelMembers(int level) const {
     return members;
 }
 
-PropertyStates crystalFieldStates(const Model& model, const ModelSolution& solution, double wavenumbersPerUnit) {
+PropertyStates crystalFieldStates(const Model& model, const ModelSolution& solution, double wavenumbersPerUnit,
+                                  const SiteLabelling* site) {
+    const auto irreps = site ? levelIrrepLabels(model, solution.levels, *site) : std::vector<std::string>{};
     PropertyStates states = emptyStatesOf(model);
     const auto& blocks = model.blocks();
     states.groups.resize(blocks.size());
@@ -96,6 +98,7 @@ PropertyStates crystalFieldStates(const Model& model, const ModelSolution& solut
             state.group = static_cast<int>(b);
             state.column = static_cast<int>(c);
             state.twiceMu = twiceCrystalQuantumNumber(blocks[b].residue, model.setup().fold);
+            if (site) state.irrep = irreps[static_cast<std::size_t>(levelsOfBlock[b][c])];
             states.states.push_back(state);
             group.members.push_back(0);
         }

@@ -16,6 +16,7 @@
 
 #include <Eigen/Dense>
 
+#include "engine/level_symmetry.hpp"
 #include "engine/j_basis.hpp"
 #include "engine/level_labels.hpp"
 #include "engine/model.hpp"
@@ -37,6 +38,7 @@ struct PropertyState {
     int group = 0;
     int column = 0;       // in the group's vectors
     int twiceMu = 0;      // crystal quantum number (2 mu) of its block; 2 MJ for free-ion states
+    std::string irrep;    // the level's irrep under the site group ("/ptgp= n"); empty without one
     int multiplet = -1;   // free-ion states: the free-ion level (multiplet) index; -1 otherwise
 };
 
@@ -70,8 +72,10 @@ struct PropertyStates {
 };
 
 // The crystal-field levels of a solve with vectors; `wavenumbersPerUnit`
-// converts the parameter set's energy unit to cm^-1.
-PropertyStates crystalFieldStates(const Model& model, const ModelSolution& solution, double wavenumbersPerUnit);
+// converts the parameter set's energy unit to cm^-1. With a site labelling
+// each state carries its level's irrep (engine/level_symmetry.hpp).
+PropertyStates crystalFieldStates(const Model& model, const ModelSolution& solution, double wavenumbersPerUnit,
+                                  const SiteLabelling* site = nullptr);
 
 // The free-ion levels of a solve (FreeIonSolution with vectors), each
 // multiplet expanded into its 2J+1 MJ components.

@@ -301,10 +301,12 @@ RunOutcome runEngine(int mode, std::filesystem::path parameterFile, RunRequest r
                           request.eigenvectorsToStore, shift);
         writeStateLabels(general, finalBasis);
         writeLevelTable(general, outcome.levels, set.fold, shift);
+        const auto site = siteLabellingOf(set.switches);  // doublets paired by irreps under "/ptgp= n"
         if (set.switches.detailedProperties)
             writeDetailedProperties(general, outcome.levels, set.fold,
-                                    environment.doubletGFactors ? environment.doubletGFactors(result)
-                                                                : std::vector<DoubletGValues>{},
+                                    environment.doubletGFactors
+                                        ? environment.doubletGFactors(result, site ? &*site : nullptr)
+                                        : std::vector<DoubletGValues>{},
                                     shift);
         const auto& tensors = result.crystalFieldTensors;
         writeMultipletElements(general, multipletCrystalFieldElements(tensors, result.conjugate), freeIonLevels);

@@ -27,6 +27,7 @@
 #include "core/settings_store.hpp"
 #include "core/user_error.hpp"
 #include "engine/level_labels.hpp"
+#include "engine/level_symmetry.hpp"
 #include "report/general_output.hpp"
 #include "report/run_request.hpp"
 
@@ -49,7 +50,7 @@ struct RunEnvironment {
     std::function<std::optional<std::filesystem::path>(const UserError&)> tablesMissing = {};
     // "/detailedproperties": the g-factors of the doublets of a crystal-field
     // run (a layer above the engine computes them); empty: no g columns.
-    std::function<std::vector<DoubletGValues>(const EnergyLevelResult&)> doubletGFactors = {};
+    std::function<std::vector<DoubletGValues>(const EnergyLevelResult&, const SiteLabelling*)> doubletGFactors = {};
 };
 
 struct RunOutcome {

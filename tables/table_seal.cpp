@@ -111,6 +111,22 @@ std::optional<std::string> tableTextProblem(std::string_view fileName, std::stri
     return std::string("does not match the checksum of its title line (values changed or reordered)");
 }
 
+std::optional<std::string> generatedTableProblem(const std::filesystem::path& directory, const std::string& name) {
+    if (auto problem = tableFileProblem(directory, name)) return problem;
+    if (readTextFile(*findCaseBlind(directory, name)).substr(0, 4096).find(kMarker) == std::string::npos)
+        return "has no version line of " + std::string(kTableGeneratorVersion) + " in its title";
+    return std::nullopt;
+}
+
+std::filesystem::path freshGeneratedTable(const std::filesystem::path& directory, const std::string& name,
+                                          const std::function<std::filesystem::path()>& build, LogBook& log) {
+    const auto problem = generatedTableProblem(directory, name);
+    if (!problem) return *findCaseBlind(directory, name);
+    if (*problem != "is missing")
+        log.appendLine(fmt::format("The table {} {}; it is generated again", (directory / name).string(), *problem));
+    return build();
+}
+
 std::optional<std::string> tableFileProblem(const std::filesystem::path& directory, const std::string& name) {
     const auto found = findCaseBlind(directory, name);
     if (!found) return std::string("is missing");

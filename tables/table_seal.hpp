@@ -9,9 +9,12 @@
 // the generator's bracket comes from elsewhere and is accepted as it stands
 // (its reader checks its layout), unless it is empty.
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
+
+#include "core/log_book.hpp"
 
 namespace orvane {
 
@@ -25,6 +28,17 @@ std::optional<std::string> tableTextProblem(std::string_view fileName, std::stri
 // The same for the table `name` of a directory (found case-blind): "is
 // missing" when absent.
 std::optional<std::string> tableFileProblem(const std::filesystem::path& directory, const std::string& name);
+
+// The same for a table that only this generator writes (the correlation
+// crystal-field tables): a table without the generator's bracket (older
+// build or written elsewhere) is a problem too, so it is generated again
+// instead of being reused unchecked.
+std::optional<std::string> generatedTableProblem(const std::filesystem::path& directory, const std::string& name);
+
+// The path of such a table in `directory`; `build` writes it (and returns its
+// path) when it is missing or has a problem, which is logged with the path.
+std::filesystem::path freshGeneratedTable(const std::filesystem::path& directory, const std::string& name,
+                                          const std::function<std::filesystem::path()>& build, LogBook& log);
 
 // Seals the text and writes it atomically.
 void writeGeneratedTable(const std::filesystem::path& path, std::string_view text);

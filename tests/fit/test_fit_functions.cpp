@@ -2,11 +2,15 @@
 // functions of the fitting workspace.
 #include <gtest/gtest.h>
 
+#include <map>
+#include <set>
 #include <tuple>
 #include <cmath>
 
 #include "engine/parameter_file.hpp"
 #include "fit/automatch.hpp"
+#include "fit/calculated_labels.hpp"
+#include "fit/state_label.hpp"
 #include "fit/workspace_functions.hpp"
 #include "tests/engine/engine_test_support.hpp"
 #include "tests/support/reference_data.hpp"
@@ -66,6 +70,18 @@ TEST(CalculatedStates, PraseodymiumLaF3LabelsIrrepsAndWeights) {
         EXPECT_EQ((block.states.front().twiceM - 2 * std::stoi(states[i].label.irrep) + 16) % 4, 0) << i;
     }
     EXPECT_EQ(calculatedStates(model, solution.freeIon.levels)[0].label, (StateLabel{"3H", 8, ""}));
+    // With the site group C2v ("/ptgp= "), the irreps replace mu: the nine 3H4
+    // levels branch as J = 4 into C2v, 3 + 2 + 2 + 2 one-dimensional irreps,
+    // and AutoMatch pairs an observed level labelled with an irrep.
+    const SiteLabelling site{&params::pointGroup(*params::pointGroupNumber("C2v"))};
+    const auto labelled = calculatedStates(model, solution.levels, &site);
+    std::map<std::string, int> branching;
+    for (int i = 0; i < 9; ++i) ++branching[labelled[i].label.irrep];
+    std::multiset<int> counts;
+    for (const auto& entry : branching) counts.insert(entry.second);
+    EXPECT_EQ(counts, (std::multiset<int>{2, 2, 2, 3}));
+    std::vector<ObservedLevel> observed = {{0, stateLabelText(labelled[4].label), false, labelled[4].energy}};
+    EXPECT_EQ(autoMatch(observed, labelled, FitSettings{})[0].stateNumber, 5);
     EXPECT_EQ(energyAverageLines(energies)[2], "Average =   10133.3000");
     const auto lines = crystalFieldInvariantLines(wybourneParametersOf(parameterVectorOf(set, false)));
     const char* invariants[] = {"s2 =  123.551", "s4 =  431.416", "s6 =  529.268"};  // from its B(k,q)

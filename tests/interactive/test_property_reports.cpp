@@ -5,6 +5,7 @@
 // and review the difference with git diff.
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <cstdlib>
 #include <regex>
 
@@ -46,6 +47,29 @@ TEST(PropertyReports, PraseodymiumExampleMatchesGoldenFiles) {
     }
     const auto toStdout = test::runOrvane("chi examples/Pr3plus-LaF3.par --temperatures '1 10 9' --csv -" + tables);
     EXPECT_EQ(toStdout.out.rfind("T,chi_x,chi_y,chi_z,chi_avg\n1,", 0), 0u) << toStdout.out;
+}
+
+// The level table and the "/detailedproperties" section of the example with
+// the user-defined notation ("/IRnotation= 3"): G1, G2 renamed by the file
+// beside the parameter file, G3, G4 (no line) keep Koster's names.
+TEST(PropertyReports, DetailedPropertiesWithUserDefinedIrreps) {
+    const auto dir = test::scratchDirectory("cli_detailed_properties");
+    std::filesystem::copy_file(test::sourceDirectory() / "examples" / "Pr3plus-LaF3.par", dir / "Pr.par",
+                               std::filesystem::copy_options::overwrite_existing);
+    writeFileAtomically(dir / "irnotation.txt", "C2v G1 A1\nC2v G2 A2\nD3h G1 A1'\n");
+    const auto result = test::runOrvane("run '" + (dir / "Pr.par").string() +
+                                        "' --option '/IRnotation= 3 /detailedproperties' --tables '" +
+                                        test::commandTableDirectory().string() + "'");
+    ASSERT_EQ(result.exitCode, 0) << result.err;
+    const std::string gen = test::slurp(dir / "Pr.gen");
+    const auto start = gen.find("*No. (State) [Eigen]");
+    const auto detailed = gen.find("Detailed properties of the levels");
+    ASSERT_TRUE(start != std::string::npos && detailed != std::string::npos && start < detailed);
+    auto end = gen.find('\n', gen.find('\n', detailed) + 1) + 1;  // after the two heading lines
+    while (end < gen.size() && std::isdigit(static_cast<unsigned char>(gen[end + 3]))) end = gen.find('\n', end) + 1;
+    const std::string section = gen.substr(start, end - start);
+    EXPECT_TRUE(section.find(" A1 ") != std::string::npos && section.find(" G3 ") != std::string::npos);
+    expectGolden(section, "detailed-properties.txt");
 }
 
 // orvane fit on the same example and its observed levels: the report (cycle

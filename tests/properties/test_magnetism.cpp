@@ -4,6 +4,7 @@
 // Landé factors, the Curie limit, rotation invariance of the g tensor and of
 // the average susceptibility, the conjugate shell against f^n itself, and the
 // kernel's two edge cases.
+#include <array>
 #include <cmath>
 #include <map>
 
@@ -192,6 +193,26 @@ TEST(Magnetism, KernelCutOffAndDegeneratePairs) {
     const auto split = susceptibilityAt(table, 0.01);
     const double w = std::exp(-2e-5 / kT);
     EXPECT_NEAR(split.chi[2], kMolarMomentWavenumbers * (2.0 / 2e-5 - w * 2.0 / 2e-5) / (1 + w), 1e-9 * std::abs(split.chi[2]));
+}
+
+// In a tie of gaps (three degenerate states) the labels decide: equal irreps
+// under the site group pair, different ones do not, whatever mu says; without
+// irreps (or for a level flagged "?") opposite mu pair.
+TEST(Magnetism, PairingTiesDecidedByIrrepThenMu) {
+    const struct {
+        std::array<const char*, 3> irreps;
+        std::array<int, 3> twiceMu;
+        std::vector<std::pair<int, int>> pairs;  // state 3 lies 100 cm^-1 above
+    } cases[] = {{{"", "", ""}, {1, -1, 3}, {{0, 1}, {2, 3}}},
+                 {{"G6", "G7", "G7"}, {1, -1, 3}, {{1, 2}}},
+                 {{"G8", "G8", "G8"}, {1, 3, -3}, {{0, 1}, {2, 3}}},
+                 {{"?", "?", "?"}, {1, 3, -3}, {{1, 2}}}};
+    for (const auto& c : cases) {
+        PropertyStates states;
+        for (int i = 0; i < 3; ++i) states.states.push_back({.twiceMu = c.twiceMu[i], .irrep = c.irreps[i]});
+        states.states.push_back({.energy = 100.0, .irrep = {}});
+        EXPECT_EQ(pairDoublets(states), c.pairs) << c.irreps[0];
+    }
 }
 
 TEST(Magnetism, TemperatureGrids) {
