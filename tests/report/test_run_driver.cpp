@@ -117,19 +117,6 @@ TEST(RunModes, LastDigitChoosesTheKindAndNames) {
     EXPECT_NE(resultNamesFor("a.par", RunKind::FreeIonKeepEnergies, false, 99).energies, kNullOutput);
 }
 
-TEST(RunDriver, Mode12WritesTheFilesOfMode2) {
-    const auto dirA = test::scratchDirectory("run_mode2");
-    const auto dirB = test::scratchDirectory("run_mode12");
-    const auto set = test::praseodymiumLaF3();
-    TestRun a, b;
-    runEngine(2, test::writeSet(dirA, "Pr.par", set), {}, a.environment);
-    const auto outB = runEngine(12, test::writeSet(dirB, "Pr.par", set), {}, b.environment);
-    EXPECT_FALSE(outB.crystalFieldStage);
-    EXPECT_EQ(filesIn(dirB), (std::vector<std::string>{"Pr.par", "Pr_fi.eng", "Pr_fi.ev", "Pr_fi.gen"}));
-    for (const char* name : {"Pr_fi.eng", "Pr_fi.ev", "Pr_fi.gen"})
-        EXPECT_EQ(masked(readTextFile(dirA / name), dirA), masked(readTextFile(dirB / name), dirB)) << name;
-}
-
 TEST(RunDriver, NullEnergyOutputWritesNoEnergyFileAndChangesNothingElse) {
     const auto kept = test::scratchDirectory("run_keep");
     const auto dropped = test::scratchDirectory("run_drop");

@@ -2,15 +2,11 @@
 // escalation reproduces (n-1) U(K) from the f^2 U(K) (sum over pairs of
 // u(i) + u(j)); g(K)10A/B are Hermitian spin-scalar tensors confined to
 // singlet / triplet pairs and trace-orthogonal to U(K) (another R7 irrep) in
-// f^2 and after escalation; a generated table without this generator's
-// version line is generated again, never reused.
+// f^2 and after escalation. (A table without this generator's version line is
+// generated again: tests/engine/test_crystal_field.cpp.)
 #include <gtest/gtest.h>
 
-#include "core/atomic_file.hpp"
-#include "core/log_book.hpp"
 #include "tables/occf_table.hpp"
-#include "tables/table_seal.hpp"
-#include "tests/support/reference_data.hpp"
 #include "tests/tables/all_configuration_tables.hpp"
 
 namespace orvane {
@@ -54,21 +50,6 @@ TEST(OccfTable, EscalationHermiticityConfinementAndOrthogonality) {
                 EXPECT_NEAR(traceProduct(terms, g, u), 0.0, 1e-12) << "g(" << K << ")10" << variant << " f" << n;
             }
         }
-}
-
-TEST(OccfTable, ATableWithoutTheVersionLineIsGeneratedAgain) {
-    const auto dir = test::scratchDirectory("occf_version");
-    MemoryLogBook log;
-    for (int m = 1; m <= 3; ++m) ensureConfigurationTables(m, dir, log);
-    const auto build = [&] { return BuildOccfTable(3, 4, 'A', dir, log); };
-    const auto path = freshGeneratedTable(dir, "f3g(4)10A.val", build, log);
-    const std::string generated = readTextFile(path);
-    for (const char* stale : {"g(4)10A  f3\n 1  1  1.0\n",  // written elsewhere or by an older build
-                                     "g(4)10A  f3  [Orvane tables generator 1]\n 1  1  1.0\n"}) {
-        writeFileAtomically(path, stale);
-        EXPECT_EQ(readTextFile(freshGeneratedTable(dir, "f3g(4)10A.val", build, log)), generated);
-    }
-    EXPECT_NE(log.text().find("f3g(4)10A.val has no version line"), std::string::npos);
 }
 
 }  // namespace
