@@ -30,6 +30,7 @@
 #include "engine/experiment_comparison.hpp"
 #include "interactive/interactive_generators.hpp"
 #include "interactive/published_comparison_dialogs.hpp"
+#include "interactive/table_build_dialogs.hpp"
 #include "tables/table_builder.hpp"
 #include "tables/table_directory.hpp"
 
@@ -68,31 +69,19 @@ bool runBuild(const TablesOptions& options) {
     TerminalLogBook log(LogRole::Narration);
     const auto directory = directoryOf(options);
     const auto start = std::chrono::steady_clock::now();
-    const auto generated = generateConfigurations(7);
     if (options.delivered) {
-        writeDeliveredTables(generated, directory, log);
+        writeDeliveredTables(generateConfigurations(7), directory, log);
     } else {
         std::vector<int> electrons;
         if (options.all || options.electrons == 0)
             for (int n = 1; n <= 14; ++n) electrons.push_back(n);
         else
             electrons.push_back(options.electrons);
-        int done = 0;
-        for (int n : electrons) {
-            writeConfigurationTables(computeConfigurationTables(n, generated), directory, log);
-            log.progress(LogCategory::Tables, "configuration tables", ++done, static_cast<int>(electrons.size()));
+        buildTables(TableBuild::Everything, electrons, directory, log);
+        if (options.correlation) {
+            buildTables(TableBuild::CorrelationLccf, electrons, directory, log);
+            buildTables(TableBuild::CorrelationOccf, electrons, directory, log);
         }
-        // Three-body and magnetic tables: escalated from f^2 / f^3 through f^7.
-        const auto lower = lowerConfigurationTables(generated);
-        writeManyBodyTables(electrons, lower, directory, log);
-        if (options.correlation)
-            for (int n : electrons) {
-                for (int m = 1; m < n; ++m) ensureConfigurationTables(m, directory, log);
-                for (int k : {2, 4, 6}) {
-                    BuildLccfTable(n, k, directory, log);
-                    for (char variant : {'A', 'B'}) BuildOccfTable(n, k, variant, directory, log);
-                }
-            }
     }
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
     log.appendLine(fmt::format("Tables built in {:.2f} s", elapsed.count()));

@@ -29,9 +29,9 @@ std::optional<std::string> ask(Asker& asker, const std::string& prompt, const st
     return asker.askLine({prompt, "Input Dialog Box", defaultAnswer});
 }
 
-std::optional<int> askElectrons(Asker& asker, LogBook& log) {
+std::optional<int> askElectrons(Asker& asker, LogBook& log, const std::string& prompt = "give no. of electron >") {
     while (true) {
-        const auto answer = ask(asker, "give no. of electron >");
+        const auto answer = ask(asker, prompt);
         if (!answer) return std::nullopt;
         const auto fields = splitAnswerFields(*answer);
         const auto n = fields.empty() ? std::nullopt : parseInteger(fields[0]);
@@ -227,5 +227,9 @@ void runReducedMatrixGenerator(Asker& asker, LogBook& log, const std::filesystem
 }
 
 std::optional<int> askElectronCount(Asker& asker, LogBook& log) { return askElectrons(asker, log); }
+
+std::optional<int> askElectronCountWith(Asker& asker, LogBook& log, const std::string& prompt) {
+    return askElectrons(asker, log, prompt);
+}
 
 }  // namespace orvane

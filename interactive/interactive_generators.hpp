@@ -8,6 +8,7 @@
 // Both end when the user cancels or answers 3 to the final choice.
 #include <filesystem>
 #include <optional>
+#include <string>
 
 #include "interactive/asker.hpp"
 #include "core/log_book.hpp"
@@ -20,5 +21,7 @@ void runReducedMatrixGenerator(Asker& asker, LogBook& log, const std::filesystem
 // Asks "give no. of electron >" until a number 1..14 is given (logging
 // "Wrong no. of e- !!!" otherwise); std::nullopt when the user cancels.
 std::optional<int> askElectronCount(Asker& asker, LogBook& log);
+// The same question with another prompt.
+std::optional<int> askElectronCountWith(Asker& asker, LogBook& log, const std::string& prompt);
 
 }  // namespace orvane

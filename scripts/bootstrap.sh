@@ -8,7 +8,8 @@ cd "$(dirname "$0")/.."
 packages=(build-essential cmake ninja-build pkg-config libeigen3-dev libopenblas-dev
           liblapack-dev libfmt-dev libcli11-dev libgtest-dev libbenchmark-dev
           libxlsxwriter-dev libminizip-dev libpugixml-dev
-          pybind11-dev python3-dev python3-numpy python3-pytest python3-openpyxl)
+          pybind11-dev python3-dev python3-numpy python3-pytest python3-openpyxl
+          qt6-base-dev qt6-charts-dev qt6-svg-dev xvfb xauth)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
