@@ -3,6 +3,9 @@
 #include <QFileDialog>
 #include <QMenuBar>
 #include <QTableWidget>
+#include <set>
+
+#include <fmt/format.h>
 
 #include "app/de_window.hpp"
 #include "app/fit_chart.hpp"
@@ -19,6 +22,7 @@
 #include "fit/observed_levels_file.hpp"
 #include "fit/observed_levels_sheet.hpp"
 #include "fit/parameter_sheet.hpp"
+#include "fit/state_label.hpp"
 #include "fit/workspace_functions.hpp"
 #include "interactive/fit_dialogs.hpp"
 #include "interactive/fit_runs.hpp"
@@ -176,6 +180,22 @@ void FitWindow::createEditMenu(QMenu* edit) {
         editLevels([row](auto& l) {
             if (row >= 0 && row < static_cast<int>(l.size())) l.erase(l.begin() + row);
         });
+    });
+    // Unobserved levels: the calculated levels no observed row is assigned to (listed in the log book),
+    // and the rows not assigned to any state (removed).
+    edit->addAction("Show unobserved levels", this, [this] {
+        startFitJob("Show unobserved levels", [](FitSession& s, LogBook& log) {
+            std::set<int> assigned;
+            for (const auto& level : s.workspace().levels) assigned.insert(level.stateNumber);
+            const auto states = s.calculatedStates();
+            log.appendLine("Unobserved levels (State#, Calc.Energy, State Label):");
+            for (std::size_t i = 0; i < states.size(); ++i)
+                if (!assigned.count(static_cast<int>(i) + 1))
+                    log.appendLine(fmt::format("{:>5}  {:>12.3f}  {}", i + 1, states[i].energy, stateLabelText(states[i].label)));
+        }, false);
+    });
+    edit->addAction("Remove unobserved levels", this, [editLevels] {
+        editLevels([](auto& l) { std::erase_if(l, [](const ObservedLevel& level) { return level.stateNumber <= 0; }); });
     });
     edit->addSeparator();
     edit->addAction("Adopt calculated labels", this, [this] { adoptLabels(); });

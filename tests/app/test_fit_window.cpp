@@ -14,6 +14,7 @@
 #include "app/fit_window.hpp"
 #include "app/log_book_window.hpp"
 #include "app/parameter_editor.hpp"
+#include "app/picture_export.hpp"
 #include "desktop_test_support.hpp"
 #include "engine/parameter_file.hpp"
 #include "fit/fit_parameters.hpp"
@@ -150,6 +151,10 @@ private slots:
             "Note the following color code for the background color of the State Label cell"));
         QCOMPARE(fit->levelTable().item(5, 1)->background().color(), labelColour(LabelColour::Red));
         QCOMPARE(fit->levelTable().item(3, 1)->background().style(), Qt::NoBrush);  // withheld: never coloured
+        for (const char* name : {"fit.png", "fit.svg"}) {
+            exportPicture(fit->chart(), fixture.scratch(name));
+            QVERIFY(std::filesystem::file_size(fixture.scratch(name)) > 1000);
+        }
     }
 
     void differentialEvolutionRefusesThenSearchesAndTransfers() {
