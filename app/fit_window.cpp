@@ -94,6 +94,7 @@ void FitWindow::createLayout() {
     splitter->addWidget(left);
     splitter->addWidget(levels_);
     splitter->addWidget(chart_);
+    splitter->setSizes({430, 470, 380});
     auto* central = new QWidget(this);
     auto* layout = new QVBoxLayout(central);
     layout->addLayout(buttons);

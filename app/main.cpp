@@ -3,6 +3,7 @@
 // line are opened as File > Open would.
 #include <QApplication>
 #include <QCommandLineParser>
+#include <cstdio>
 
 #include "app/main_window.hpp"
 #include "app/screenshot_tour.hpp"
@@ -24,13 +25,18 @@ int main(int argc, char** argv) {
     parser.process(application);
     orvane::removeTemporariesOnSignals();
 
-    orvane::app::MainWindow window;
     const QStringList files = parser.positionalArguments();
     if (parser.isSet(screenshots)) {
         if (files.isEmpty()) return 2;
-        return orvane::app::takeScreenshots(window, files.front().toStdString(),
-                                            parser.value(screenshots).toStdString());
+        // Unattended: every question is answered Yes, every message is printed.
+        orvane::ScriptedAsker answers({}, std::vector<orvane::Choice>(100, orvane::Choice::Yes));
+        orvane::app::MainWindow window({{}, {}, &answers});
+        const int code = orvane::app::takeScreenshots(window, files.front().toStdString(),
+                                                      parser.value(screenshots).toStdString());
+        for (const auto& message : answers.messages()) std::fprintf(stderr, "%s\n", message.c_str());
+        return code;
     }
+    orvane::app::MainWindow window;
     window.show();
     for (const QString& file : files) window.openFile(file.toStdString());
     return QApplication::exec();
