@@ -17,8 +17,8 @@ int main(int argc, char** argv) {
     parser.addHelpOption();
     parser.addPositionalArgument("files", "Files to open (parameter files open in the editor).", "[FILE...]");
     const QCommandLineOption screenshots("screenshots",
-                                         "Run the first FILE as a real crystal field, save the documentation's "
-                                         "pictures into FOLDER and quit.",
+                                         "Take the documentation's pictures into FOLDER from the copies of the "
+                                         "examples in the folder FILE, then quit.",
                                          "FOLDER");
     parser.addOption(screenshots);
     parser.process(application);

@@ -12,11 +12,13 @@
 #include <QPointer>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "app/desktop_services.hpp"
 #include "app/job_runner.hpp"
 #include "app/recent_files.hpp"
+#include "fit/fit_workspace.hpp"
 #include "report/run_request.hpp"
 
 class QMdiArea;
@@ -29,6 +31,7 @@ class QLabel;
 namespace orvane::app {
 
 class DocumentWindow;
+class FitWindow;
 class LogBookWindow;
 class ParameterEditor;
 class QtLogBook;
@@ -90,6 +93,14 @@ public:
     // output opens when the run says so.
     bool startRun(const RunLaunch& launch);
 
+    // The kind of fit chosen in the Fit menu; the fitting and state-vector
+    // windows refuse to open before one is chosen.
+    void chooseFitKind(FitKind kind);
+    std::optional<FitKind> fitKind() const { return fitKind_; }
+    // The fitting workspace over the parameter editor in front; nullptr
+    // (with the refusal shown) without a kind of fit or an editor.
+    FitWindow* openFitWindow();
+
     void clearLogBook();
     // Opens the backup as "Old Log Book"; nothing when there is none.
     void recoverLogBook();
@@ -103,6 +114,7 @@ private:
     void createTablesMenu();
     void createToolsMenu();
     void createHelpMenu();
+    void createFitMenu();
     void createStatusBar();
     void rebuildRecentFilesMenu();
     void showJobProgress(const QString& stage, int done, int total);
@@ -125,6 +137,7 @@ private:
     QPushButton* cancel_ = nullptr;
     QLabel* jobLabel_ = nullptr;
     QPointer<ParameterEditor> lastEditor_;
+    std::optional<FitKind> fitKind_;
 };
 
 }  // namespace orvane::app

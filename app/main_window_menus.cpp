@@ -1,6 +1,7 @@
 // The menus, toolbar and recent-file entries of the main window. Every
 // command calls the same library or dialog function as the `orvane` command.
 #include <QAction>
+#include <QActionGroup>
 #include <QApplication>
 #include <QFileDialog>
 #include <QMdiArea>
@@ -13,6 +14,7 @@
 #include <QToolBar>
 
 #include "app/document_window.hpp"
+#include "app/fit_window.hpp"
 #include "app/help_window.hpp"
 #include "app/log_book_window.hpp"
 #include "app/main_window.hpp"
@@ -185,6 +187,7 @@ void MainWindow::createMenus() {
     createRunMenu();
     createTablesMenu();
     createToolsMenu();
+    createFitMenu();
 
     QMenu* windows = menuBar()->addMenu("&Window");
     connect(windows, &QMenu::aboutToShow, this, [this, windows] {
@@ -312,6 +315,59 @@ void MainWindow::rebuildRecentFilesMenu() {
                                [this, file] { openFile(file); });
     }
     recentMenu_->setEnabled(number > 0);
+}
+
+}  // namespace orvane::app
+
+namespace orvane::app {
+
+namespace {
+
+constexpr const char* kNoFitKindForFitting =
+    "You must select a kind of fit to do before the Fitting Window could be displayed!";
+
+}  // namespace
+
+void MainWindow::chooseFitKind(FitKind kind) {
+    fitKind_ = kind;
+    if (kind != FitKind::ComplexCrystalField) return;
+    // The complex fit opens with the automatic updates restricted.
+    services_.log->appendLine("Complex Crystal field Fitting - initialisation completed.");
+    for (const auto& line : manualUpdateNote()) services_.log->appendLine(line);
+}
+
+FitWindow* MainWindow::openFitWindow() {
+    if (!fitKind_) {
+        services_.asker->showMessage("Orvane", kNoFitKindForFitting);
+        return nullptr;
+    }
+    ParameterEditor* editor = parameterEditor(false);
+    if (!editor) {
+        services_.asker->showMessage("Orvane", kEditorClosedMessage);
+        return nullptr;
+    }
+    try {
+        auto* window = new FitWindow(*this, *editor, *fitKind_);
+        addDocument(window)->resize(1100, 640);
+        return window;
+    } catch (const UserError& error) {
+        services_.asker->showMessage(error.title(), error.describe());
+        return nullptr;
+    }
+}
+
+void MainWindow::createFitMenu() {
+    QMenu* fit = menuBar()->addMenu("Fi&t");
+    auto* kinds = new QActionGroup(fit);
+    for (const auto& [caption, kind] : {std::pair{"Free-ion fit", FitKind::FreeIon},
+                                        std::pair{"Real CF fit", FitKind::RealCrystalField},
+                                        std::pair{"Complex CF fit (Imaginary Bkq)", FitKind::ComplexCrystalField}}) {
+        QAction* action = fit->addAction(caption, this, [this, kind = kind] { chooseFitKind(kind); });
+        action->setCheckable(true);
+        kinds->addAction(action);
+    }
+    fit->addSeparator();
+    fit->addAction("&Fitting Window", this, [this] { openFitWindow(); });
 }
 
 }  // namespace orvane::app

@@ -1,8 +1,9 @@
 #pragma once
-// The documentation's pictures: opens a parameter file, runs it as a real
-// crystal field, and saves PNGs of the main window (log book and editor side
-// by side) and of the editor into a folder, then ends the program
-// (scripts/screenshots.sh runs it under a virtual X server).
+// The documentation's pictures (scripts/screenshots.sh runs this under a
+// virtual X server): from a folder holding copies of the examples it runs
+// Er3+ (log book and editor), fits Pr3+ to its observed levels (the fitting
+// workspace) and starts a differential-evolution search (caught mid-run),
+// saving a PNG of each into `folder`.
 #include <filesystem>
 
 namespace orvane::app {
@@ -10,7 +11,6 @@ namespace orvane::app {
 class MainWindow;
 
 // Returns the program's exit code: 0 when every picture was written.
-int takeScreenshots(MainWindow& window, const std::filesystem::path& parameterFile,
-                    const std::filesystem::path& folder);
+int takeScreenshots(MainWindow& window, const std::filesystem::path& examples, const std::filesystem::path& folder);
 
 }  // namespace orvane::app

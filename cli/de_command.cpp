@@ -28,6 +28,7 @@
 #include "fit/observed_levels_file.hpp"
 #include "fit/ultimate_fit.hpp"
 #include "interactive/command_line_asker.hpp"
+#include "interactive/de_search.hpp"
 #include "params/ligand_file.hpp"
 #include "tables/table_directory.hpp"
 
@@ -44,16 +45,6 @@ struct DEOptionsOnLine {
     int threads = 0;  // 0: every core
     bool complex = false, freeIon = false, yes = false;
 };
-
-std::vector<DEParameter> deParameters(const std::vector<DEBound>& bounds, const std::vector<FitParameter>& rows) {
-    std::vector<DEParameter> parameters;
-    for (const auto& bound : bounds) {
-        const auto* row = findFitParameter(rows, bound.name);
-        const double initial = row ? row->initial : 0.5 * (bound.lower + bound.upper);
-        parameters.push_back({bound.name, initial, bound.lower, bound.upper, bound.lower == bound.upper});
-    }
-    return parameters;
-}
 
 std::optional<DESuperposition> superpositionOf(const DEOptionsOnLine& o) {
     if (o.ligands.empty()) return std::nullopt;
@@ -72,117 +63,34 @@ std::string historyCsv(const DEResult& result) {
     return csv;
 }
 
-// The least-squares fit of the best set over the same free parameters.
-std::vector<FitParameter> polish(const ParameterSet& set, std::vector<FitParameter> rows,
-                                 const std::vector<DEParameter>& parameters, const std::vector<ObservedLevel>& levels,
-                                 FitKind kind, const std::filesystem::path& tables, LogBook& log) {
-    for (auto& row : rows) {
-        row.initial = row.finalFit;
-        if (row.option == kFitOptionFree) row.option = kFitOptionFixed;
-    }
-    for (const auto& p : parameters)
-        if (!p.fixed) setFitOption(rows, p.name, kFitOptionFree);
-    FitWorkspace workspace;
-    workspace.kind = kind;
-    workspace.parameters = std::move(rows);
-    workspace.levels = levels;
-    workspace.settings.maxLevels = 0;
-    FitSession session(set, std::move(workspace), tables, log);
-    const auto result = runUltimateFit(session, nullptr, [&](const FitCycleReport& r) { log.appendLine(cycleLine(r)); });
-    for (const auto& line : ultimateFitReport(result.decision, result.iterations, session.workspace().settings,
-                                              std::chrono::system_clock::now()))
-        log.appendLine(line);
-    return session.workspace().parameters;
-}
-
 void runDE(DEOptionsOnLine o) {
     TerminalLogBook log(LogRole::Narration);
-    const auto set = readParameterFileForRun(o.file);
-    const auto kind = fitKindOf(o.freeIon, o.complex);
-    const auto rows = fitParameterRows(set, kind);
-    const auto parameters = deParameters(readDEBoundsFile(o.bounds), rows);
+    DESearch search;
+    search.set = readParameterFileForRun(o.file);
+    search.kind = fitKindOf(o.freeIon, o.complex);
+    search.parameters = deParametersOf(readDEBoundsFile(o.bounds), fitParameterRows(search.set, search.kind));
     auto observed = readObservedLevelsFile(observedLevelsPath(o.observed));
-    const auto& levels = observed.levels;
-    auto superposition = superpositionOf(o);
-    const bool intrinsicGiven = std::any_of(parameters.begin(), parameters.end(),
-                                            [](const DEParameter& p) { return p.name.rfind("Abar", 0) == 0; });
-    if (superposition && !intrinsicGiven)
-        throw UserError("Error in setting Differential Evolution parameter",
-                        "You need to provide Superposition Model parameters and ligand positions");
-    if (o.settings.polish && superposition && o.autoMatch)
-        throw UserError("Error in setting Differential Evolution parameter",
-                        "The polish of a superposition-model search needs fixed energy levels (leave out --automatch)");
+    search.levels = std::move(observed.levels);
+    search.gFactors = std::move(observed.gFactors);
+    search.superposition = superpositionOf(o);
     o.settings.scheme = o.scheme == "accelerated" ? DEScheme::Accelerated : DEScheme::Ordinary;
     o.settings.matching = o.autoMatch ? DELevelMatching::Automatic : DELevelMatching::Fixed;
-    if (const auto problem = deSettingsProblem(o.settings))
-        throw UserError("Error in setting Differential Evolution parameter", *problem);
-    const auto tables = o.tableDirectory.empty() ? defaultTableDirectory() : std::filesystem::path(o.tableDirectory);
-    auto model = std::make_shared<const Model>(Model::build(modelSetupOf(set, kind != FitKind::FreeIon,
-                                                                         kind == FitKind::ComplexCrystalField),
-                                                            tables, log));
-    const LevelDeviation objective(model, set, kind, parameters, levels, o.settings.matching, superposition,
-                                   observed.gFactors, o.settings.gWeight);
-    DEOptions options;
-    options.seed = o.seed.value_or(clockSeed());
-    options.threads = o.threads > 0 ? o.threads : static_cast<int>(std::max(1u, std::thread::hardware_concurrency()));
-    // The run-time estimate from one evaluation.
-    {
-        ModelWorkspace workspace;
-        std::vector<double> initial;
-        for (const auto& p : parameters) initial.push_back(p.initial);
-        const auto start = std::chrono::steady_clock::now();
-        objective.deviation(initial, workspace);
-        const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-        const double minutes = seconds * o.settings.parents * (o.settings.maxIterations + 1) / options.threads / 60.0;
-        if (minutes >= 1.0) {
-            CommandLineAsker asker(std::cerr, {}, o.yes ? std::vector{Choice::Yes} : std::vector<Choice>{});
-            const auto text = fmt::format("Need around {} minutes to complete. Really want to go ahead?",
-                                          static_cast<long>(std::ceil(minutes)));
-            if (asker.askChoice("Go ahead?", text, Buttons::YesNo) != Choice::Yes) return;
-        }
-    }
-    int freeCount = 0;
-    for (const auto& p : parameters) freeCount += p.fixed ? 0 : 1;
-    for (const auto& line : deHeaderLines(o.settings, freeCount, std::chrono::system_clock::now())) log.appendLine(line);
-    log.appendLine(fmt::format("Seed = {}  ||Threads = {}", options.seed, options.threads));
+    search.settings = o.settings;
+    search.seed = o.seed.value_or(clockSeed());
+    search.threads = o.threads > 0 ? o.threads : static_cast<int>(std::max(1u, std::thread::hardware_concurrency()));
+    search.tableDirectory = o.tableDirectory.empty() ? defaultTableDirectory() : std::filesystem::path(o.tableDirectory);
+    CommandLineAsker asker(std::cerr, {}, o.yes ? std::vector{Choice::Yes} : std::vector<Choice>{});
+    // The search's result is printed also under --quiet.
+    TerminalLogBook report(LogRole::Results);
     std::atomic<bool> stop{false};
     BreakRequest breaks;
-    options.stop = &stop;
-    options.onGeneration = [&](const DEGeneration& g) {
-        log.appendLine(deIterationLine(g));
-        log.progress(LogCategory::Fit, "differential evolution", g.iteration, o.settings.maxIterations);
-        stop.store(breaks.requested());
-    };
-    const auto result = runDifferentialEvolution(parameters, o.settings, objective, options);
-    log.progress(LogCategory::Fit, "differential evolution", 1, 1);  // the bar ends with the search
-    if (const auto text = deStopText(result.stop, o.settings); !text.empty()) log.appendLine(text);
-    // The search's result: printed also under --quiet.
-    TerminalLogBook report(LogRole::Results);
-    report.appendLine(fmt::format("Best Set (after {} generations, {} evaluations):", result.history.back().iteration,
-                               result.evaluations));
-    for (std::size_t p = 0; p < parameters.size(); ++p)
-        report.appendLine(fmt::format("{:<12}{:>14.4f}", parameters[p].name, result.best[p]));
-    for (const auto& line : deFooterLines(objective.finalDeviations(result.best), std::chrono::system_clock::now()))
-        report.appendLine(line);
-    auto bestRows = objective.rowsOf(result.best);
-    if (o.settings.polish && superposition) {
-        const auto polished = objective.polishSuperposition(result.best);
-        report.appendLine(fmt::format("Least-squares polish of the superposition model: RMS Dev. = {:.4f} after {} cycles",
-                                   polished.deviation, polished.cycles));
-        for (std::size_t p = 0; p < parameters.size(); ++p)
-            report.appendLine(fmt::format("{:<12}{:>14.4f}", parameters[p].name, polished.values[p]));
-        bestRows = objective.rowsOf(polished.values);
-    } else if (o.settings.polish) {
-        bestRows = polish(set, bestRows, parameters, levels, kind, tables, report);
-    }
-    report.appendLine("Final Results");
-    FitWorkspace shown;
-    shown.parameters = bestRows;
-    for (const auto& line : parameterTableLines(shown)) report.appendLine(line);
+    const auto outcome =
+        runDESearch(search, asker, log, report, &stop, [&](const DEGeneration&) { stop.store(breaks.requested()); });
+    if (!outcome) return;
     const auto output = o.output.empty() ? besideInput(o.file, "_de") : std::filesystem::path(o.output);
-    writeParameterFile(output, withFittedValues(set, bestRows));
+    writeParameterFile(output, withFittedValues(search.set, outcome->bestRows));
     report.appendLine("Best set: " + output.string());
-    if (!o.csv.empty()) writeFileAtomically(o.csv, historyCsv(result));
+    if (!o.csv.empty()) writeFileAtomically(o.csv, historyCsv(outcome->result));
 }
 
 }  // namespace

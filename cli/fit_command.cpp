@@ -6,7 +6,6 @@
 // writes the fitted values as a "Parameter"/"Value" sheet, which --values
 // reads as start values (docs/spreadsheets.md). Ctrl-C stops between cycles
 // and keeps the best parameters seen.
-#include <atomic>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -33,9 +32,9 @@
 #include "fit/observed_levels_sheet.hpp"
 #include "fit/parameter_sheet.hpp"
 #include "fit/ultimate_fit.hpp"
-#include "fit/workspace_functions.hpp"
 #include "interactive/command_line_asker.hpp"
 #include "interactive/fit_dialogs.hpp"
+#include "interactive/fit_runs.hpp"
 #include "tables/table_directory.hpp"
 
 namespace orvane::cli {
@@ -73,8 +72,6 @@ struct FitOptions {
     double energyError = 1.0;
     std::string correlation;  // "", fix, free, internal, cf
 };
-
-std::atomic<bool> gStopFit{false};
 
 FitWorkspace workspaceOf(const ParameterSet& set, const FitOptions& options) {
     FitWorkspace workspace;
@@ -122,74 +119,6 @@ void printLines(LogBook& log, const std::vector<std::string>& lines) {
     for (const auto& line : lines) log.appendLine(line);
 }
 
-void printCycle(LogBook& log, const FitCycleReport& report, bool& advised) {
-    log.appendLine(cycleLine(report));
-    if (!advised) printLines(log, report.messages);  // the same advice each cycle: once
-    advised = advised || !report.messages.empty();
-}
-
-// Cycles until --cycles are done or Break; the best parameters seen are kept.
-void runCycles(FitSession& session, int cycles, const BreakRequest& breaks, LogBook& log) {
-    auto best = session.workspace().parameters;
-    double bestRms = session.workspace().rmsDeviation;
-    bool advised = false;
-    for (int i = 0; i < cycles; ++i) {
-        if (breaks.requested()) {
-            log.appendLine("Break: the fit stopped between cycles.");
-            break;
-        }
-        const auto report = session.runCycle();
-        printCycle(log, report, advised);
-        log.progress(LogCategory::Fit, "fit cycles", i + 1, cycles);
-        if (report.rmsDeviation < bestRms) {
-            bestRms = report.rmsDeviation;
-            best = session.workspace().parameters;
-        }
-    }
-    if (breaks.requested() && session.workspace().rmsDeviation > bestRms) {
-        session.workspace().parameters = best;
-        session.update();
-    }
-}
-
-void runUltimate(FitSession& session, const BreakRequest& breaks, LogBook& log) {
-    bool advised = false;
-    // The series reads its stop flag between cycles; it follows the signal's flag.
-    const int maxCycles = session.workspace().settings.maxIterations;
-    int cycle = 0;
-    auto onCycle = [&](const FitCycleReport& report) {
-        printCycle(log, report, advised);
-        log.progress(LogCategory::Fit, "Ultimate Fit cycles", ++cycle, maxCycles);
-        gStopFit.store(breaks.requested());
-    };
-    gStopFit.store(false);
-    const auto result = runUltimateFit(session, &gStopFit, onCycle);
-    printLines(log, ultimateFitReport(result.decision, result.iterations, session.workspace().settings,
-                                      std::chrono::system_clock::now()));
-    const auto status = result.decision.status;
-    if (status == UltimateFitStatus::Diverging || status == UltimateFitStatus::Oscillating ||
-        status == UltimateFitStatus::ConvergingSlowly) {
-        log.appendLine(kSeeLogbookForFailedFits);
-        printLines(log, failedFitParameterLines(session.workspace().parameters, result));
-    }
-}
-
-// The log-book functions of the workspace for the fitted parameters.
-void printFunctions(FitSession& session, LogBook& log) {
-    const auto parameters = session.currentParameters();
-    std::vector<double> energies;
-    ModelWorkspace workspace;
-    const auto solution = session.model().solve(parameters, {!session.model().setup().crystalField, false, kAllEigenvalues, {}, {}, false}, workspace);
-    if (session.model().setup().crystalField)
-        for (const auto& level : solution.levels) energies.push_back(level.energy);
-    else
-        for (const auto& level : solution.freeIon.levels) energies.push_back(level.energy);
-    printLines(log, energyAverageLines(energies));
-    if (session.model().setup().crystalField) printLines(log, crystalFieldInvariantLines(wybourneParametersOf(parameters)));
-    printLines(log, electrostaticStrengthLines(session.model().tables(), parameters));
-    printLines(log, orthonormalisedElectrostaticLines(session.model().tables(), parameters));
-}
-
 void fitParameterFile(const FitOptions& options) {
     TerminalLogBook log(LogRole::Narration);
     auto set = readParameterFileForRun(options.file);
@@ -215,12 +144,13 @@ void fitParameterFile(const FitOptions& options) {
                                session.workspace().standardError));
     {
         BreakRequest breaks;
+        const FitStopRequest stop = [&breaks] { return breaks.requested(); };
         if (options.eavOnly)
             printLines(log, session.fitEavOnly());
         else if (options.ultimate)
-            runUltimate(session, breaks, log);
+            runUltimateFitLogged(session, stop, log);
         else
-            runCycles(session, options.cycles, breaks, log);
+            runFitCycles(session, options.cycles, stop, log);
     }
     if (session.workspace().settings.computeFitErrors) {
         const auto errors = computeFitErrors(session);
@@ -231,7 +161,7 @@ void fitParameterFile(const FitOptions& options) {
     // The fit's result: printed also under --quiet.
     TerminalLogBook report(LogRole::Results);
     const auto& result = session.workspace();
-    if (options.functions) printFunctions(session, report);
+    if (options.functions) logFitFunctions(session, report);
     printLines(report, parameterTableLines(result));
     printLines(report, levelTableLines(result));
     printLines(report, gFactorTableLines(result));

@@ -70,6 +70,7 @@ DEGeneration summary(int iteration, const std::vector<double>& deviations, int u
     double mean = 0.0;
     for (double d : deviations) mean += d;
     mean /= static_cast<double>(deviations.size());
+    g.mean = mean;
     double variance = 0.0;
     for (double d : deviations) variance += (d - mean) * (d - mean);
     g.sd = std::sqrt(variance / static_cast<double>(deviations.size()));

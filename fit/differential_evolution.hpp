@@ -117,6 +117,7 @@ private:
 struct DEGeneration {
     int iteration = 0;  // 0: the initial parents
     double best = 0.0;  // minimal deviation
+    double mean = 0.0;  // mean deviation of the population
     double sd = 0.0;    // standard deviation of the population's deviations
     int updates = 0;
     double updateShare = 0.0;  // updates / NP

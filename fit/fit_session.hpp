@@ -78,6 +78,7 @@ public:
     FitWorkspace& workspace() { return workspace_; }
     const FitWorkspace& workspace() const { return workspace_; }
     const Model& model() const { return *model_; }
+    std::shared_ptr<const Model> sharedModel() const { return model_; }
     const FitEvaluation& evaluation() const { return evaluation_; }
 
     // "Update statevectors": runs the engine with Final_fit and refreshes the
