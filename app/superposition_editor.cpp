@@ -61,6 +61,36 @@ SuperpositionEditor::SuperpositionEditor(MainWindow& main, QWidget* parent) : QM
     splitter->addWidget(createParameterPanel());
     setCentralWidget(splitter);
     createMenus();
+    restoreLastData();
+}
+
+std::filesystem::path SuperpositionEditor::dataFile(const char* name) const {
+    return main_.services().dataFolder / "cfp" / name;
+}
+
+// A damaged "smdata.txt" is left unread: the editor opens empty.
+void SuperpositionEditor::restoreLastData() {
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(dataFile("smdata.txt"), error)) return;
+    try {
+        const params::SuperpositionData data = params::readSuperpositionData(dataFile("smdata.txt"));
+        setLigands(data.ligands);
+        setParameters(data.parameters);
+    } catch (const UserError& problem) {
+        main_.services().log->appendLine(problem.title() + ": " + problem.describe());
+    }
+}
+
+// Every row of the table is kept, also after a calculation of selected rows.
+void SuperpositionEditor::keepData(const params::SuperpositionParameters& parameters,
+                                   const std::vector<std::string>& lines) const {
+    try {
+        std::filesystem::create_directories(dataFile("").parent_path());
+        params::writeSuperpositionData(dataFile("smdata.txt"), {parameters, ligands()});
+        params::appendSuperpositionLog(dataFile("smdata.log"), lines);
+    } catch (const std::exception& problem) {
+        main_.services().log->appendLine(std::string("Superposition model data not kept: ") + problem.what());
+    }
 }
 
 QWidget* SuperpositionEditor::createLigandPanel() {
@@ -222,11 +252,13 @@ bool SuperpositionEditor::calculate(bool selectedOnly) {
         if (outcome->parameters.r0 != parameters().r0) r0_->setText(numberText(outcome->parameters.r0));
         result_ = outcome->table;
         showResult();
-        LogBook& log = *main_.services().log;
-        log.appendLine("Superposition model: " + std::to_string(rows.size()) + " ligands, R0 = " +
-                       numberText(outcome->parameters.r0).toStdString());
-        log.appendLine(outcome->parameters.stevensType ? "Bkq (Stevens-type coordination factors):" : "Bkq (Wybourne):");
-        for (const params::CfRow& row : result_.rows) log.appendLine(params::formatRowLine(row, true));
+        std::vector<std::string> lines = {
+            "Superposition model: " + std::to_string(rows.size()) + " ligands, R0 = " +
+                numberText(outcome->parameters.r0).toStdString(),
+            outcome->parameters.stevensType ? "Bkq (Stevens-type coordination factors):" : "Bkq (Wybourne):"};
+        for (const params::CfRow& row : result_.rows) lines.push_back(params::formatRowLine(row, true));
+        for (const std::string& line : lines) main_.services().log->appendLine(line);
+        keepData(outcome->parameters, lines);
         return true;
     } catch (const std::exception& error) {
         showError(error);

@@ -12,6 +12,11 @@
 // ligand row whose three cells are empty is skipped; a cell that is not a
 // number is refused with a message naming the row. Every computed table of
 // Bkq and every estimate is logged in the log book.
+//
+// The editor's last data is kept in "cfp/smdata.txt" of the per-user data
+// folder (params/ligand_file.hpp layout), written after each calculation and
+// read when an editor opens; the lines of each calculation are appended to
+// "cfp/smdata.log" there.
 #include <QMainWindow>
 #include <filesystem>
 #include <vector>
@@ -64,6 +69,9 @@ private:
     void showResult();
     void showError(const std::exception& error) const;
     std::vector<int> ligandRows(bool selectedOnly) const;
+    std::filesystem::path dataFile(const char* name) const;
+    void restoreLastData();
+    void keepData(const params::SuperpositionParameters& parameters, const std::vector<std::string>& lines) const;
 
     MainWindow& main_;
     QTableWidget* ligandTable_ = nullptr;

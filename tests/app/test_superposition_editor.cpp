@@ -1,5 +1,6 @@
 // The superposition-model editor: the cubic ratios of eight ligands at the
-// corners of a cube, the answers to R0 = 0 and the copy into the parameter editor.
+// corners of a cube, the answers to R0 = 0, the copy into the parameter editor
+// and the data kept for the next editor.
 #include <QLineEdit>
 #include <QTableWidget>
 #include <QtTest>
@@ -54,6 +55,9 @@ private slots:
         QVERIFY(std::fabs(b[{6, 4}] / b[{6, 0}] + std::sqrt(7.0 / 2.0)) < 1e-6);
         for (const auto& [kq, value] : b)
             if (kq.first == 2 || (kq.second != 0 && kq.second != 4)) QVERIFY(std::fabs(value) < 1e-6);
+        SuperpositionEditor reopened(*fixture.window);  // the last data comes back from "smdata.txt"
+        QCOMPARE(reopened.ligands().size(), std::size_t(8));
+        QCOMPARE(reopened.parameters().tk[2], 12.0);
     }
 
     // Abort computes nothing; Ignore goes on with R0 = 0, where (0/R)^t_k = 0.
