@@ -100,6 +100,7 @@ QWidget* SuperpositionEditor::createLigandPanel() {
     ligandTable_->setObjectName("ligandTable");
     ligandTable_->setHorizontalHeaderLabels({"Distance R", "Theta/deg", "Phi/deg"});
     ligandTable_->setSelectionBehavior(QAbstractItemView::SelectRows);
+    ligandTable_->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     layout->addWidget(ligandTable_, 1);
     auto* lattice = new QHBoxLayout;
     lattice->addWidget(new QLabel("Lattice constants a, b, c:", group));
@@ -126,6 +127,7 @@ QWidget* SuperpositionEditor::createParameterPanel() {
     intrinsic_->setHorizontalHeaderLabels({"Intrinsic Bk", "Exponent tk"});
     intrinsic_->setVerticalHeaderLabels({"k = 2", "k = 4", "k = 6"});
     intrinsic_->setMaximumHeight(130);
+    intrinsic_->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     layout->addWidget(intrinsic_);
     auto* buttons = new QHBoxLayout;
     auto* calculateAll = new QPushButton("Calculate Bkq", panel);
@@ -139,6 +141,9 @@ QWidget* SuperpositionEditor::createParameterPanel() {
     resultTable_->setObjectName("resultTable");
     resultTable_->setHorizontalHeaderLabels({"k", "q", "Real Bkq", "Imaginary CFP"});
     resultTable_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    resultTable_->verticalHeader()->hide();
+    resultTable_->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    for (const int column : {0, 1}) resultTable_->horizontalHeader()->setSectionResizeMode(column, QHeaderView::ResizeToContents);
     layout->addWidget(resultTable_, 1);
     return panel;
 }
