@@ -6,15 +6,16 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "cli/commands.hpp"
 #include "cli/terminal_log_book.hpp"
 #include "cli/exit_code.hpp"
 #include "interactive/batch_list.hpp"
+#include "interactive/batch_run.hpp"
 #include "interactive/command_line_asker.hpp"
 #include "core/atomic_file.hpp"
 #include "core/log_book.hpp"
-#include "core/number_format.hpp"
 #include "core/settings_store.hpp"
 #include "core/text.hpp"
 #include "core/user_error.hpp"
@@ -32,10 +33,8 @@ struct BatchOptions {
     std::string tableDirectory;
 };
 
-std::string today() { return formatDate(localNow()) + " " + formatTime(localNow()); }
-
 // Runs every row; returns the number of rows that did not complete.
-int runBatch(const BatchOptions& options) {
+int runBatchList(const BatchOptions& options) {
     TerminalLogBook log(LogRole::Narration);
     CommandLineAsker asker(std::cerr);
     MemorySettingsStore settings;
@@ -43,33 +42,13 @@ int runBatch(const BatchOptions& options) {
                                options.tableDirectory.empty() ? defaultTableDirectory()
                                                               : std::filesystem::path(options.tableDirectory)};
     const std::filesystem::path listPath(options.list);
-    const auto entries = parseBatchList(readTextFile(listPath, 1u << 20), listPath);
     const int mode = options.freeIon ? 2 : options.complex ? 1 : 0;
-    int failures = 0;
-    const auto rows = static_cast<int>(entries.size());
-    int row = 0;
-    for (const BatchEntry& entry : entries) {
-        log.progress(LogCategory::Run, "batch", row++, rows);
-        const std::filesystem::path& file = entry.file;
-        if (!std::filesystem::is_regular_file(file)) {
-            log.appendLine("Can't find input parameters file from " + file.string());
-            ++failures;
-            continue;
-        }
-        log.appendLine("Calculations of " + file.string() + " started on " + today());
-        try {
-            settings.write(kSettingsSection, kRunCounterKey, "0");
-            runEngineAsking(mode, file, RunRequest{}, environment);
-            log.appendLine(" completed on " + today());
-        } catch (const UserError& error) {
-            std::cerr << error.title() << ": " << error.describe() << '\n';
-            log.appendLine("Calculations of " + file.string() + " failed: " + error.title());
-            ++failures;
-        }
-    }
-    log.progress(LogCategory::Run, "batch", rows, rows);
-    log.appendLine("Work completed.");
-    return failures;
+    std::vector<BatchRun> rows;
+    for (const BatchEntry& entry : parseBatchList(readTextFile(listPath, 1u << 20), listPath))
+        rows.push_back({entry.file, mode, RunRequest{}});
+    BatchHooks hooks;
+    hooks.failed = [](const UserError& error) { std::cerr << error.title() << ": " << error.describe() << '\n'; };
+    return runBatch(rows, environment, hooks);
 }
 
 }  // namespace
@@ -83,7 +62,7 @@ void addBatchCommand(CLI::App& app) {
     command->add_option("--tables", options->tableDirectory, "table directory (default: the delivered one)");
     command->callback([options] {
         try {
-            setExitCode(runBatch(*options) == 0 ? kExitOk : kExitFailure);
+            setExitCode(runBatchList(*options) == 0 ? kExitOk : kExitFailure);
         } catch (const UserError& error) {
             std::cerr << error.title() << ": " << error.describe() << '\n';
             setExitCode(kExitFailure);

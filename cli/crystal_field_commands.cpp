@@ -27,7 +27,7 @@
 #include "params/cubic_approximation.hpp"
 #include "params/energy_units.hpp"
 #include "params/ligand_file.hpp"
-#include "interactive/superposition_dialogs.hpp"
+#include "interactive/superposition_runs.hpp"
 #include "params/superposition_estimation.hpp"
 #include "params/superposition.hpp"
 #include "params/value_cell.hpp"
@@ -42,10 +42,11 @@ using params::CfTable;
 CfTable tableOf(const ParameterSet& set) { return crystalFieldTableOf(set); }
 
 // Stores the rows, telling when a rotation needed a smaller fold (engine/crystal_field_table.hpp).
-void storeTable(ParameterSet& set, const CfTable& table) {
-    if (const auto before = storeCrystalFieldTable(set, table))
-        std::cout << "Fold of symmetry axis changed from " << *before << " to " << set.fold << "\n";
+void reportFoldChange(std::optional<int> before, const ParameterSet& set) {
+    if (before) std::cout << "Fold of symmetry axis changed from " << *before << " to " << set.fold << "\n";
 }
+
+void storeTable(ParameterSet& set, const CfTable& table) { reportFoldChange(storeCrystalFieldTable(set, table), set); }
 
 std::string normalisationName(CfNormalisation n) {
     switch (n) {
@@ -336,20 +337,16 @@ void runSm(const SuperpositionOptions& o) {
     params::SuperpositionParameters p;
     const params::LigandFile ligands = readLigandsWithR0(o, p);
     for (int i = 0; i < 3; ++i) p.bk[i] = o.bk[i];
-    if (p.r0 == 0.0) {
-        // "Abort/Retry/Ignore" is answered by --ignore-zero-r0 or refused.
-        CommandLineAsker asker(std::cout, {}, o.ignoreZeroR0 ? std::vector{Choice::Ignore} : std::vector<Choice>{});
-        const auto confirmed = params::confirmReferenceDistance(p, asker);
-        if (!confirmed) throw UserError("Error in setting up ligand positions", "Reference ligand distance = 0!");
-        p = *confirmed;
-    }
-    const CfTable table = params::superpositionTable(params::superpositionBkq(ligands.ligands, p));
-    std::cout << "Superposition model: " << ligands.ligands.size() << " ligands, R0 = " << p.r0 << "\n";
-    printRows(table, p.stevensType ? "Bkq (Stevens-type coordination factors):" : "Bkq (Wybourne):");
+    // "Abort/Retry/Ignore" is answered by --ignore-zero-r0 or refused.
+    CommandLineAsker asker(std::cout, {}, o.ignoreZeroR0 ? std::vector{Choice::Ignore} : std::vector<Choice>{});
+    const auto result = params::superpositionBkqAsking(ligands.ligands, p, asker);
+    if (!result) throw UserError("Error in setting up ligand positions", "Reference ligand distance = 0!");
+    std::cout << "Superposition model: " << ligands.ligands.size() << " ligands, R0 = " << result->parameters.r0
+              << "\n";
+    printRows(result->table, p.stevensType ? "Bkq (Stevens-type coordination factors):" : "Bkq (Wybourne):");
     if (!o.output.empty()) {
         ParameterSet set = o.base.empty() ? ParameterSet{} : readParameterFile(o.base);
-        set.cfConvention = CfConvention::Wybourne;
-        storeTable(set, table);
+        reportFoldChange(params::adoptSuperpositionBkq(set, result->table), set);
         writeIfAsked(o.output, set);
     }
 }
@@ -357,11 +354,7 @@ void runSm(const SuperpositionOptions& o) {
 void runSuperpositionEstimate(const SuperpositionOptions& o) {
     params::SuperpositionParameters p;
     const params::LigandFile ligands = readLigandsWithR0(o, p);
-    const ParameterSet set = readParameterFile(o.file);
-    CfTable table = tableOf(set);
-    if (const auto c = params::conversionToWybourne(normalisationOf(set.cfConvention)))
-        params::convertTable(table, *c);
-    const auto estimate = params::estimateIntrinsicParameters(ligands.ligands, p, table);
+    const auto estimate = params::estimateFromParameterSet(ligands.ligands, p, readParameterFile(o.file));
     for (const std::string& line : params::estimateLines(estimate)) std::cout << line << "\n";
 }
 

@@ -223,7 +223,8 @@ RunOutcome runEngine(int mode, std::filesystem::path parameterFile, RunRequest r
     refuseUnsupportedSwitches(set.switches, std::nullopt);  // a switch given with the run's own options
     const bool keepEnergies = settings.readInt(kSettingsSection, kKeepEnergiesKey, 1) != 0;
     const int runCounter = settings.readInt(kSettingsSection, kRunCounterKey, 0);
-    outcome.names = resultNamesFor(parameterFile, outcome.kind, keepEnergies, runCounter);
+    outcome.names =
+        withUnwantedDiscarded(resultNamesFor(parameterFile, outcome.kind, keepEnergies, runCounter), request);
     outcome.parameterFile = parameterFile;
     removeStaleTemporaries(parameterFile.parent_path());  // temporaries of killed runs
 

@@ -54,6 +54,13 @@ ResultNames resultNamesFor(const std::filesystem::path& parameterFile, RunKind k
     return names;
 }
 
+ResultNames withUnwantedDiscarded(ResultNames names, const RunRequest& request) {
+    if (!request.writeGeneral) names.general = kNullOutput;
+    if (!request.writeVectors) names.vectors = kNullOutput;
+    if (!request.writeEnergies) names.energies = kNullOutput;
+    return names;
+}
+
 double minComponentValue(const RunRequest& request) {
     const auto value = parseNumber(trim(request.minComponent));
     if (!value || *value < 0.0 || *value >= 1.0)

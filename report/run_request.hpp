@@ -52,7 +52,15 @@ struct RunRequest {
     double energyShift = 0.0;           // added to every calculated energy that is written
     std::string minComponent = "0.002"; // smallest |coefficient| of a state vector processed (echoed as typed)
     std::string optionText;             // switches joined to the file's own ("/actualshell /printhm")
+    // Result files the caller wants; an unwanted one is discarded ("nul:")
+    // like any other discarded output (the options window's check boxes).
+    bool writeGeneral = true;
+    bool writeVectors = true;
+    bool writeEnergies = true;
 };
+
+// The names with every output the request does not want replaced by "nul:".
+ResultNames withUnwantedDiscarded(ResultNames names, const RunRequest& request);
 
 // The number of `minComponent`; throws UserError ("Error in Main") unless
 // 0 <= value < 1.
