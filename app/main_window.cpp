@@ -27,6 +27,7 @@
 #include "core/text.hpp"
 #include "core/user_error.hpp"
 #include "interactive/run_dialogs.hpp"
+#include "interactive/run_options.hpp"
 #include "report/level_summary.hpp"
 #include "spreadsheet/spreadsheet.hpp"
 #include "tables/table_directory.hpp"
@@ -214,6 +215,8 @@ bool MainWindow::startRun(const RunLaunch& launch) {
     });
 }
 
+RunRequest MainWindow::optionsRunRequest() const { return runRequestOf(readRunOptions(*services_.settings)); }
+
 void MainWindow::clearLogBook() { logBook().clearAsking(*services_.asker); }
 
 void MainWindow::recoverLogBook() {
@@ -296,7 +299,9 @@ void MainWindow::runFromMenu(int mode) {
         return;
     }
     const auto file = askOpenPath("File for Free-in and Crystal Field Parameters ", "Par files (*.par);;All files (*)");
-    if (!file.empty()) startRun({mode, file, {}});
+    if (file.empty()) return;
+    if (mode == 2 && !confirmFreeIonRun(RunChoice::FreeIon, file, *services_.asker)) return;
+    startRun({mode, file, optionsRunRequest()});
 }
 
 }  // namespace orvane::app

@@ -92,6 +92,9 @@ public:
     // "Work completed." and the table of the lowest levels; the general
     // output opens when the run says so.
     bool startRun(const RunLaunch& launch);
+    // The run inputs of the options window (vectors to store, smallest
+    // coefficient, result files, "/actualshell", "/printhm") as last applied.
+    RunRequest optionsRunRequest() const;
 
     // The kind of fit chosen in the Fit menu; the fitting and state-vector
     // windows refuse to open before one is chosen.
