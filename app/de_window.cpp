@@ -9,6 +9,8 @@
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QLineSeries>
+#include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QMenuBar>
 #include <QPushButton>
 #include <QTableWidget>
@@ -18,6 +20,7 @@
 
 #include "app/fit_window.hpp"
 #include "app/main_window.hpp"
+#include "app/superposition_editor.hpp"
 #include "core/text.hpp"
 #include "core/user_error.hpp"
 #include "fit/fit_parameters.hpp"
@@ -136,8 +139,30 @@ void DEWindow::createLayout() {
     });
 }
 
+// The ligands and intrinsic parameters of an open superposition-model editor, if any.
+std::optional<std::pair<DESuperposition, params::SuperpositionParameters>> DEWindow::openSuperpositionEditor() const {
+    for (QMdiSubWindow* frame : main_.documents().subWindowList())
+        if (auto* editor = qobject_cast<SuperpositionEditor*>(frame->widget())) try {
+                const auto parameters = editor->parameters();
+                return std::pair{DESuperposition{editor->ligands(), parameters.r0}, parameters};
+            } catch (const UserError&) {
+                return std::nullopt;  // a cell that does not read: the search asks for a ligand file
+            }
+    return std::nullopt;
+}
+
 void DEWindow::fillParameters() {
     std::vector<DEParameter> rows;
+    std::array<double, 6> intrinsic{};
+    for (std::size_t i = 0; i < 6; ++i) intrinsic[i] = kSuperpositionRows[i].second;
+    if (superposition_)
+        if (const auto editor = openSuperpositionEditor()) {
+            ligands_ = editor->first;
+            for (std::size_t k = 0; k < 3; ++k) {
+                if (editor->second.bk[k] != 0.0) intrinsic[k] = editor->second.bk[k];
+                if (editor->second.tk[k] != 0.0) intrinsic[3 + k] = editor->second.tk[k];
+            }
+        }
     if (fit_)
         for (const FitParameter& row : fit_->workspace().parameters)
             if (row.option == kFitOptionFree && (!superposition_ || row.name.rfind('B', 0) != 0)) {
@@ -145,9 +170,9 @@ void DEWindow::fillParameters() {
                 rows.push_back({row.name, row.finalFit, lower, upper, false});
             }
     if (superposition_)
-        for (const auto& [name, value] : kSuperpositionRows) {
-            const auto [lower, upper] = defaultLimits(value);
-            rows.push_back({name, value, lower, upper, false});
+        for (std::size_t i = 0; i < 6; ++i) {
+            const auto [lower, upper] = defaultLimits(intrinsic[i]);
+            rows.push_back({kSuperpositionRows[i].first, intrinsic[i], lower, upper, false});
         }
     parameters_->setColumnCount(5);
     parameters_->setHorizontalHeaderLabels({"Parameter", "Initial value", "Lower limit", "Upper limit", "fixed"});

@@ -4,7 +4,10 @@
 // settings with their refusals, a live chart of the best and mean RMS
 // deviation per iteration, Break with "Continue or Cancel DE iteration", and
 // the transfer of the best set into the fitting workspace it was opened from.
-// The search runs on the worker thread (interactive/de_search.hpp).
+// The search runs on the worker thread (interactive/de_search.hpp). A
+// superposition-model search takes its ligands, R0 and starting intrinsic
+// parameters from an open superposition-model editor, or the ligands from a
+// ligand file.
 #include <QMainWindow>
 #include <QPointer>
 #include <atomic>
@@ -14,6 +17,7 @@
 #include "fit/de_settings.hpp"
 #include "fit/differential_evolution.hpp"
 #include "fit/fit_workspace.hpp"
+#include "params/superposition.hpp"
 
 class QCheckBox;
 class QComboBox;
@@ -60,6 +64,7 @@ signals:
 
 private:
     void createLayout();
+    std::optional<std::pair<DESuperposition, params::SuperpositionParameters>> openSuperpositionEditor() const;
     void fillParameters();
     std::vector<DEParameter> readParameters() const;
     void showGeneration(const DEGeneration& generation);
