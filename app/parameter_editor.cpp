@@ -205,10 +205,10 @@ QWidget* ParameterEditor::buildCorrelationFields() {
 
 void ParameterEditor::showUnitHeading() {
     const auto unit = params::unitFromCode(unit_->currentIndex() + 1).value_or(params::EnergyUnitCode::Wavenumber);
-    const QString heading = QString::fromStdString(params::unitHeading(unit));
+    const QString heading = QString::fromStdString(params::unitHeading(unit)) + "\n" +
+                            kConventionNames[convention_->currentIndex()];
     crystalField_->setValueHeading(heading);
     correlation_->setValueHeading(heading);
-    crystalField_->setToolTip(qtText(crystalFieldCountLabel(kConventions[convention_->currentIndex()])));
 }
 
 void ParameterEditor::showPointGroupFold() {

@@ -3,7 +3,9 @@
 // checks that refuse a save, a normalisation conversion and the free-ion
 // question before a crystal-field run.
 #include <QTest>
+#include <cmath>
 #include <filesystem>
+#include <functional>
 #include <fstream>
 #include <sstream>
 
@@ -31,6 +33,13 @@ ParameterEditor* openExample(DesktopFixture& fixture, fs::path& copy) {
     copy = fixture.scratch("Pr3plus-LaF3.par");
     fs::copy_file(examplesFolder() / "Pr3plus-LaF3.par", copy);
     return fixture.window->openParameterEditor(copy);
+}
+
+// The crystal-field row (k, q); a rotation writes every q of a rank.
+CrystalFieldRow row(const ParameterSet& set, int k, int q) {
+    for (const CrystalFieldRow& each : set.crystalField)
+        if (each.k == k && each.q == q) return each;
+    return {k, q, {"missing", std::nan("")}, {}};
 }
 
 bool anyMessageContains(const ScriptedAsker& asker, const std::string& fragment) {
@@ -125,6 +134,48 @@ private slots:
         editor->runCommand(EditorCommand::StevensToWybourne);
         QCOMPARE(editor->parameterSet().crystalField[0].re.value, -436.0);
         QVERIFY(anyMessageContains(fixture.asker, "Error in CFP conversion"));
+    }
+
+    // Unit commands and a rotation with its recovery, on the rows (2,0) and (2,2).
+    void unitAndRotationCommands() {
+        using params::EnergyUnitCode;
+        struct Case {
+            const char* name;
+            std::vector<std::string> answers;
+            std::vector<Choice> choices;
+            std::function<void(ParameterEditor&)> command;
+            double b20, b22;
+            EnergyUnit unit;
+        };
+        const double meV = 8.06573;  // cm^-1 per meV
+        const Case cases[] = {
+            {"cfp cm^-1 -> meV", {}, {}, [](ParameterEditor& e) {
+                 e.convertEnergyUnits(EnergyUnitCode::Wavenumber, EnergyUnitCode::MilliElectronVolt,
+                                      params::UnitScope::CrystalField);
+             }, -218 / meV, -120 / meV, EnergyUnit::MilliElectronVolt},
+            {"all cm^-1 -> K, values kept", {}, {Choice::No}, [](ParameterEditor& e) {
+                 e.convertEnergyUnits(EnergyUnitCode::Wavenumber, EnergyUnitCode::Kelvin, params::UnitScope::All);
+             }, -218, -120, EnergyUnit::Kelvin},
+            // A quarter turn about z multiplies B(2,2) by exp(+-i pi) = -1.
+            {"rotation by gamma = 90", {"0 0 90"}, {}, [](ParameterEditor& e) {
+                 e.runCommand(EditorCommand::RotateByEulerAngles);
+             }, -218, 120, EnergyUnit::Wavenumber},
+            {"rotation recovered", {"0 0 90"}, {}, [](ParameterEditor& e) {
+                 e.runCommand(EditorCommand::RotateByEulerAngles);
+                 e.runCommand(EditorCommand::RecoverRotatedRows);
+             }, -218, -120, EnergyUnit::Wavenumber},
+        };
+        for (const Case& c : cases) {
+            DesktopFixture fixture(c.answers, c.choices);
+            fs::path copy;
+            ParameterEditor* editor = openExample(fixture, copy);
+            c.command(*editor);
+            const ParameterSet set = editor->parameterSet();
+            QVERIFY2(std::abs(row(set, 2, 0).re.value - c.b20) < 1e-9, c.name);
+            QVERIFY2(std::abs(row(set, 2, 2).re.value - c.b22) < 1e-9, c.name);
+            QVERIFY2(std::abs(row(set, 2, 2).im.value) < 1e-9, c.name);
+            QVERIFY2(set.switches.energyUnit == c.unit, c.name);
+        }
     }
 
     void freeIonSetAsksBeforeCrystalFieldRun() {
