@@ -12,6 +12,7 @@
 #include "app/log_book_window.hpp"
 #include "app/parameter_editor.hpp"
 #include "desktop_test_support.hpp"
+#include "core/user_error.hpp"
 #include "engine/parameter_file.hpp"
 
 using namespace orvane;
@@ -64,6 +65,28 @@ private slots:
         QVERIFY(fileText(saved) == fileText(copy));
         QCOMPARE(editor->windowTitle(), QString::fromStdString("Input - " + saved.string()));
         QCOMPARE(QString::fromStdString(fixture.window->recentFiles().paths().front()), QString::fromStdString(saved.string()));
+    }
+
+    // Every readable parameter file of the examples and of the reader's corpus
+    // comes back from the fields unchanged (version, labels, sections, fit set-up).
+    void everyReadableFileRoundTripsThroughTheFields() {
+        DesktopFixture fixture;
+        ParameterEditor* editor = fixture.window->openParameterEditor();
+        int checked = 0;
+        for (const fs::path folder : {examplesFolder(), fs::path(ORVANE_SOURCE_DIR) / "tests/engine/parameter_corpus"})
+            for (const auto& entry : fs::directory_iterator(folder)) {
+                if (entry.path().extension() != ".par") continue;
+                ParameterSet set;
+                try {
+                    set = readParameterFile(entry.path());
+                } catch (const UserError&) {
+                    continue;
+                }
+                editor->setParameterSet(set);
+                QVERIFY2(editor->parameterSet() == set, entry.path().filename().c_str());
+                ++checked;
+            }
+        QVERIFY(checked > 3);  // the corpus contributes besides the three examples
     }
 
     void realCrystalFieldRunWritesResultsAndStreamsLines() {
