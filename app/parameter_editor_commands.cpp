@@ -31,9 +31,10 @@ void ParameterEditor::transformSet(const std::function<void(ParameterSet&)>& ope
         main_.services().asker->showMessage(error.title(), error.describe());
         return;
     }
+    // Complex mode stays on; it comes on when the result has imaginary parts.
     const bool complex = complex_->isChecked();
     setParameterSet(set);
-    complex_->setChecked(complex);
+    if (complex) complex_->setChecked(true);
 }
 
 void ParameterEditor::transformTable(
