@@ -46,28 +46,6 @@ QTextDocument* printableDocument(QWidget* window) {
     return nullptr;
 }
 
-struct NamedEditorCommand {
-    const char* caption;
-    EditorCommand command;
-};
-
-const NamedEditorCommand kEditorCommands[] = {
-    {"Stevens -> Wybourne", EditorCommand::StevensToWybourne},
-    {"Wybourne -> Stevens", EditorCommand::WybourneToStevens},
-    {"Wybourne Ckq -> unit tensor Ukq", EditorCommand::WybourneToUnitTensor},
-    {"Unit tensor Ukq -> Wybourne Ckq", EditorCommand::UnitTensorToWybourne},
-    {"Rotate by Euler's angles...", EditorCommand::RotateByEulerAngles},
-    {"Rotate [111] -> [001]", EditorCommand::RotateC3toC4},
-    {"Rotate [001] -> [111]", EditorCommand::RotateC4toC3},
-    {"Rotate to set ImBkq = 0...", EditorCommand::RotateToZeroImaginary},
-    {"Equivalent garnet sites...", EditorCommand::RotateToGarnetSite},
-    {"Recover rows before rotation", EditorCommand::RecoverRotatedRows},
-    {"Cubic approximation along [111]", EditorCommand::CubicApproximationC3},
-    {"Cubic approximation along [001]", EditorCommand::CubicApproximationC4},
-    {"Rotational invariants and CF strength", EditorCommand::CrystalFieldStrength},
-    {"Orthogonalised electrostatic parameters", EditorCommand::OrthogonalElectrostatic},
-};
-
 struct NamedTableBuild {
     const char* caption;
     TableBuild kind;
@@ -265,7 +243,7 @@ void MainWindow::createTablesMenu() {
 void MainWindow::createToolsMenu() {
     QMenu* tools = menuBar()->addMenu("T&ools");
     QMenu* parameters = tools->addMenu("&Crystal-Field Parameters");
-    for (const NamedEditorCommand& named : kEditorCommands)
+    for (const NamedEditorCommand& named : editorCommands())
         parameters->addAction(named.caption, this, [this, named] {
             if (ParameterEditor* editor = parameterEditor(true)) editor->runCommand(named.command);
         });

@@ -21,6 +21,7 @@
 #include "engine/crystal_field_table.hpp"
 #include "engine/orthogonal_electrostatic.hpp"
 #include "engine/parameter_file.hpp"
+#include "engine/parameter_values.hpp"
 #include "params/cf_conventions.hpp"
 #include "params/cf_invariants.hpp"
 #include "interactive/cf_rotation_dialogs.hpp"
@@ -47,15 +48,6 @@ void reportFoldChange(std::optional<int> before, const ParameterSet& set) {
 }
 
 void storeTable(ParameterSet& set, const CfTable& table) { reportFoldChange(storeCrystalFieldTable(set, table), set); }
-
-std::string normalisationName(CfNormalisation n) {
-    switch (n) {
-        case CfNormalisation::Stevens: return "Stevens";
-        case CfNormalisation::UnitTensor: return "unit operators";
-        case CfNormalisation::Wybourne: break;
-    }
-    return "Wybourne";
-}
 
 // Every result is checked before it is shown or written.
 void printRows(const CfTable& table, const std::string& heading) {
@@ -99,35 +91,27 @@ struct ConvertOptions {
     std::string scope = "all";
 };
 
-void runNormalisationConversion(const ConvertOptions& o, params::CfConversion conversion,
-                                CfNormalisation from, CfNormalisation to) {
+void runNormalisationConversion(const ConvertOptions& o, params::CfConversion conversion) {
     ParameterSet set = readParameterFile(o.file);
-    const CfNormalisation current = normalisationOf(set.cfConvention);
-    if (current != from)
-        throw UserError("Error in CFP conversion",
-                        "The crystal-field parameters of " + o.file + " are in " +
-                            normalisationName(current) + " form, not " + normalisationName(from));
-    CfTable table = tableOf(set);
-    params::convertTable(table, conversion);
-    storeTable(set, table);
-    set.cfConvention = conventionOf(to);
-    printRows(table, "Crystal field parameters in " + normalisationName(to) + " form:");
+    try {
+        convertCrystalFieldConvention(set, conversion);
+    } catch (const UserError& error) {
+        throw UserError(error.title(), o.file + ": " + error.what());
+    }
+    printRows(tableOf(set), "Crystal field parameters in " +
+                                normalisationName(params::conversionTarget(conversion)) + " form:");
     writeIfAsked(o.output, set);
 }
 
 // `o.from` holds the table directory (empty: the default one).
 void runOrthogonalElectrostatic(const ConvertOptions& o) {
     ParameterSet set = readParameterFile(o.file);
-    if (set.electronCount < 1 || set.electronCount > 13)
-        throw UserError("Error in parameter conversion",
-                        "No. of electrons must be 1..13 for the electrostatic parameters, found " +
-                            std::to_string(set.electronCount));
     TerminalLogBook log(LogRole::Results);
-    const auto tables = loadEngineTables(set.electronCount,
-                                         o.from.empty() ? defaultTableDirectory() : std::filesystem::path(o.from), log);
     // On the command line the answer to "Adopt them into this input form?" is Yes exactly when -o is given.
     ScriptedAsker asker({}, {o.output.empty() ? Choice::No : Choice::Yes});
-    if (convertToOrthogonalElectrostaticAsking(set, tables, asker, log)) writeIfAsked(o.output, set);
+    if (convertToOrthogonalElectrostaticAsking(
+            set, o.from.empty() ? defaultTableDirectory() : std::filesystem::path(o.from), asker, log))
+        writeIfAsked(o.output, set);
 }
 
 void runUnitConversion(const ConvertOptions& o) {
@@ -143,18 +127,10 @@ void runUnitConversion(const ConvertOptions& o) {
         throw UserError("Error in energy unit conversion",
                         "The parameters of " + o.file + " are in " + params::unitName(fileUnit) +
                             ", not " + params::unitName(*from));
-    params::ParameterValues values;
-    values.crystalField = tableOf(set);
-    for (const FreeIonRow& row : set.mainFreeIon) values.mainFreeIon.push_back(valueCellOf(row.cell));
-    for (const FreeIonRow& row : set.otherFreeIon) values.otherFreeIon.push_back(valueCellOf(row.cell));
-    values.unit = *from;
+    params::ParameterValues values = parameterValuesOf(set);
     params::convertEnergyUnit(values, *to, *scope);
-    storeTable(set, values.crystalField);
-    for (std::size_t i = 0; i < set.mainFreeIon.size(); ++i)
-        set.mainFreeIon[i].cell = parameterCellOf(values.mainFreeIon[i]);
-    for (std::size_t i = 0; i < set.otherFreeIon.size(); ++i)
-        set.otherFreeIon[i].cell = parameterCellOf(values.otherFreeIon[i]);
-    set.switches.energyUnit = static_cast<EnergyUnit>(static_cast<int>(*to));
+    if (const auto before = storeParameterValues(set, values))
+        std::cout << "Fold of symmetry axis changed from " << *before << " to " << set.fold << "\n";
     std::cout << "Energy unit converted from " << params::unitName(*from) << " to "
               << params::unitName(*to) << " (" << o.scope << "); column "
               << params::unitHeading(*to) << "\n";
@@ -171,17 +147,12 @@ void addConvert(CLI::App& app) {
         const char* name;
         const char* help;
         params::CfConversion conversion;
-        CfNormalisation from, to;
     };
     static const Direction directions[] = {
-        {"stevens2wybourne", "Stevens to Wybourne form", params::CfConversion::StevensToWybourne,
-         CfNormalisation::Stevens, CfNormalisation::Wybourne},
-        {"wybourne2stevens", "Wybourne to Stevens form", params::CfConversion::WybourneToStevens,
-         CfNormalisation::Wybourne, CfNormalisation::Stevens},
-        {"wybourne2unit", "Wybourne to unit-tensor form", params::CfConversion::WybourneToUnit,
-         CfNormalisation::Wybourne, CfNormalisation::UnitTensor},
-        {"unit2wybourne", "unit-tensor to Wybourne form", params::CfConversion::UnitToWybourne,
-         CfNormalisation::UnitTensor, CfNormalisation::Wybourne},
+        {"stevens2wybourne", "Stevens to Wybourne form", params::CfConversion::StevensToWybourne},
+        {"wybourne2stevens", "Wybourne to Stevens form", params::CfConversion::WybourneToStevens},
+        {"wybourne2unit", "Wybourne to unit-tensor form", params::CfConversion::WybourneToUnit},
+        {"unit2wybourne", "unit-tensor to Wybourne form", params::CfConversion::UnitToWybourne},
     };
     for (const Direction& d : directions) {
         auto options = std::make_shared<ConvertOptions>();
@@ -189,7 +160,7 @@ void addConvert(CLI::App& app) {
         sub->add_option("FILE", options->file, "Parameter file (.par)")->required()->check(CLI::ExistingFile);
         sub->add_option("-o,--output", options->output, "Write the converted parameter file here");
         sub->callback([options, &d] {
-            guarded([&] { runNormalisationConversion(*options, d.conversion, d.from, d.to); });
+            guarded([&] { runNormalisationConversion(*options, d.conversion); });
         });
     }
     auto options = std::make_shared<ConvertOptions>();
@@ -228,28 +199,26 @@ void runRotate(const RotateOptions& o) {
         throw UserError("Rotation of Crystal Field Parameters",
                         "Choose exactly one of --euler, --c3toc4, --c4toc3, --zero-im, --garnet-site");
     ParameterSet set = readParameterFile(o.file);
-    const CfNormalisation form = normalisationOf(set.cfConvention);
     CfTable table = tableOf(set);
-    // Rotations act on the Wybourne (or c_k-scaled) tensors; Stevens rows go through Wybourne.
-    if (form == CfNormalisation::Stevens) params::convertTable(table, params::CfConversion::StevensToWybourne);
     TerminalLogBook log(LogRole::Results);
     params::RotationHistory history;
-    if (!o.euler.empty()) {
-        params::rotateAndLog(table, {o.euler[0], o.euler[1], o.euler[2]}, history, log);
-    } else if (o.c3toc4) {
-        params::rotateC3toC4(table, log, history);
-    } else if (o.c4toc3) {
-        params::rotateC4toC3(table, log, history);
-    } else if (!o.zeroIm.empty()) {
-        params::rotateToZeroImaginary(table, o.zeroIm[0], o.zeroIm[1], log, history);
-    } else {
-        const auto choice = params::parseGarnetChoice(o.garnetSite);
-        if (!choice)
-            throw UserError("Rotation of Crystal Field Parameters for Equivalent Sites in Garnets",
-                            "Invalid site: " + o.garnetSite + " (1..6, optionally followed by f)");
-        params::rotateToGarnetSite(table, *choice, log, history);
-    }
-    if (form == CfNormalisation::Stevens) params::convertTable(table, params::CfConversion::WybourneToStevens);
+    params::rotateInTensorForm(table, normalisationOf(set.cfConvention), [&](CfTable& rows) {
+        if (!o.euler.empty()) {
+            params::rotateAndLog(rows, {o.euler[0], o.euler[1], o.euler[2]}, history, log);
+        } else if (o.c3toc4) {
+            params::rotateC3toC4(rows, log, history);
+        } else if (o.c4toc3) {
+            params::rotateC4toC3(rows, log, history);
+        } else if (!o.zeroIm.empty()) {
+            params::rotateToZeroImaginary(rows, o.zeroIm[0], o.zeroIm[1], log, history);
+        } else {
+            const auto choice = params::parseGarnetChoice(o.garnetSite);
+            if (!choice)
+                throw UserError("Rotation of Crystal Field Parameters for Equivalent Sites in Garnets",
+                                "Invalid site: " + o.garnetSite + " (1..6, optionally followed by f)");
+            params::rotateToGarnetSite(rows, *choice, log, history);
+        }
+    });
     storeTable(set, table);
     writeIfAsked(o.output, set);
 }

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <numeric>
 
+#include "core/user_error.hpp"
 #include "params/value_cell.hpp"
 
 namespace orvane {
@@ -48,6 +49,29 @@ std::optional<int> storeCrystalFieldTable(ParameterSet& set, const params::CfTab
     const int before = set.fold;
     set.fold = divisor;
     return before;
+}
+
+std::string normalisationName(params::CfNormalisation normalisation) {
+    switch (normalisation) {
+        case params::CfNormalisation::Stevens: return "Stevens";
+        case params::CfNormalisation::UnitTensor: return "unit operators";
+        case params::CfNormalisation::Wybourne: break;
+    }
+    return "Wybourne";
+}
+
+void convertCrystalFieldConvention(ParameterSet& set, params::CfConversion conversion, bool complexMode) {
+    const params::CfNormalisation current = normalisationOf(set.cfConvention);
+    const params::CfNormalisation from = params::conversionSource(conversion);
+    if (current != from)
+        throw UserError("Error in CFP conversion", "The crystal-field parameters are in " +
+                                                       normalisationName(current) + " form, not " +
+                                                       normalisationName(from));
+    params::CfTable table = crystalFieldTableOf(set);
+    table.complexMode = complexMode;
+    params::convertTable(table, conversion);
+    storeCrystalFieldTable(set, table);
+    set.cfConvention = conventionOf(params::conversionTarget(conversion));
 }
 
 }  // namespace orvane

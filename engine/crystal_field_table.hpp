@@ -3,8 +3,10 @@
 // see them (params::CfTable), and back: conversions, rotations and the
 // superposition model work on the table, the parameter file keeps the rows.
 #include <optional>
+#include <string>
 
 #include "engine/parameter_set.hpp"
+#include "params/cf_conventions.hpp"
 #include "params/cf_records.hpp"
 
 namespace orvane {
@@ -25,5 +27,14 @@ params::CfTable crystalFieldTableOf(const ParameterSet& set);
 // general, and the fold becomes the greatest common divisor of those q.
 // Returns the fold the set had when it was changed.
 std::optional<int> storeCrystalFieldTable(ParameterSet& set, const params::CfTable& table);
+
+// Changes the normalisation of the set's rows (params/cf_conventions.hpp) and
+// sets the convention to the conversion's target. In real mode (complexMode
+// false) the Im cells stay as they are. Throws UserError "Error in CFP
+// conversion" when the rows are not in the conversion's source form.
+void convertCrystalFieldConvention(ParameterSet& set, params::CfConversion conversion, bool complexMode = true);
+
+// "Wybourne", "Stevens" or "unit operators".
+std::string normalisationName(params::CfNormalisation normalisation);
 
 }  // namespace orvane

@@ -27,6 +27,18 @@ std::optional<std::size_t> otherFreeIonIndex(std::string_view name) {
     return std::nullopt;
 }
 
+std::optional<std::string> defaultMultipleText(std::string_view name) {
+    const auto index = otherFreeIonIndex(name);
+    if (!index) return std::nullopt;
+    switch (*index) {
+        case kM2: return exactNumberText(kM2PerM0) + "M0";
+        case kM4: return exactNumberText(kM4PerM0) + "M0";
+        case kP4: return exactNumberText(kP4PerP2) + "P2";
+        case kP6: return exactNumberText(kP6PerP2) + "P2";
+        default: return std::nullopt;
+    }
+}
+
 std::optional<OtherFreeIonCell> readOtherFreeIonCell(std::string_view name, std::string_view text) {
     const std::string cell = withoutBlanks(text);
     if (cell.empty()) return OtherFreeIonCell{};

@@ -11,6 +11,7 @@
 // P2 of the set (the value of its M0/P2 row, wherever that row stands).
 #include <array>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -39,6 +40,10 @@ struct OtherFreeIonCell {
 // optional "(uncertainty)"), or "<number>M0" for M2/M4 and "<number>P2" for
 // P4/P6 (letters in either case, blanks ignored). std::nullopt otherwise.
 std::optional<OtherFreeIonCell> readOtherFreeIonCell(std::string_view name, std::string_view text);
+
+// The cell that stands for the default of a blank M2, M4, P4 or P6 ("0.56M0",
+// "0.38M0", "0.75P2", "0.5P2"); std::nullopt for the other names.
+std::optional<std::string> defaultMultipleText(std::string_view name);
 
 struct OtherFreeIonValues {
     std::array<double, kOtherFreeIonNames.size()> value{};

@@ -146,6 +146,15 @@ bool convertToOrthogonalElectrostaticAsking(ParameterSet& set, const EngineTable
     return true;
 }
 
+bool convertToOrthogonalElectrostaticAsking(ParameterSet& set, const std::filesystem::path& tableDirectory,
+                                            Asker& asker, LogBook& log) {
+    if (set.electronCount < 1 || set.electronCount > 13)
+        throw UserError("Error in parameter conversion",
+                        "No. of electrons must be 1..13 for the electrostatic parameters, found " +
+                            std::to_string(set.electronCount));
+    const EngineTables tables = loadEngineTables(set.electronCount, tableDirectory, log);
+    return convertToOrthogonalElectrostaticAsking(set, tables, asker, log);
+}
 
 bool compareExperimentAsking(Asker& asker, LogBook& log) {
     const auto publishedName = askFileName(asker, "GIVE FILE NAME FOR getting Torvelde's experimental energies from");

@@ -3,6 +3,8 @@
 // approximation, the conversion of every value to another energy unit, the
 // coordination-factor calculator, the adoption of orthogonalised electrostatic
 // parameters and the comparison of calculated with observed energies.
+#include <filesystem>
+
 #include "interactive/asker.hpp"
 #include "core/log_book.hpp"
 #include "engine/configuration_tables.hpp"
@@ -40,6 +42,11 @@ namespace orvane {
 // set's configuration.
 bool convertToOrthogonalElectrostaticAsking(ParameterSet& set, const EngineTables& tables, Asker& asker,
                                             LogBook& log);
+// The same with the tables of the set's configuration loaded from a table
+// directory; throws UserError "Error in parameter conversion" for an electron
+// count outside 1..13 (an empty or a full shell has no electrostatic term).
+bool convertToOrthogonalElectrostaticAsking(ParameterSet& set, const std::filesystem::path& tableDirectory,
+                                            Asker& asker, LogBook& log);
 
 // Asks "GIVE FILE NAME FOR getting Torvelde's experimental energies from" and
 // "GIVE FILE NAME FOR getting energies  from this Orvane program" (an energy

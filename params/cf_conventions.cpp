@@ -70,4 +70,34 @@ std::optional<CfConversion> conversionFromWybourne(CfNormalisation to) {
     return std::nullopt;
 }
 
+CfNormalisation conversionSource(CfConversion conversion) {
+    switch (conversion) {
+        case CfConversion::StevensToWybourne: return CfNormalisation::Stevens;
+        case CfConversion::UnitToWybourne: return CfNormalisation::UnitTensor;
+        case CfConversion::WybourneToStevens:
+        case CfConversion::WybourneToUnit: break;
+    }
+    return CfNormalisation::Wybourne;
+}
+
+CfNormalisation conversionTarget(CfConversion conversion) {
+    switch (conversion) {
+        case CfConversion::WybourneToStevens: return CfNormalisation::Stevens;
+        case CfConversion::WybourneToUnit: return CfNormalisation::UnitTensor;
+        case CfConversion::StevensToWybourne:
+        case CfConversion::UnitToWybourne: break;
+    }
+    return CfNormalisation::Wybourne;
+}
+
+void rotateInTensorForm(CfTable& table, CfNormalisation form, const std::function<void(CfTable&)>& rotation) {
+    if (form != CfNormalisation::Stevens) {
+        rotation(table);
+        return;
+    }
+    convertTable(table, CfConversion::StevensToWybourne);
+    rotation(table);
+    convertTable(table, CfConversion::WybourneToStevens);
+}
+
 }  // namespace orvane::params

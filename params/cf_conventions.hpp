@@ -7,6 +7,7 @@
 // Rows are checked one by one: a row with k > 6 or |q| > k stops the conversion
 // (earlier rows keep their new values). Rows whose rank has no factor (k = 0 and
 // odd k) are left unchanged.
+#include <functional>
 #include <optional>
 
 #include "params/cf_records.hpp"
@@ -29,5 +30,15 @@ double conversionFactor(CfConversion conversion, int k, int q);
 // The conversion that brings rows of a normalisation to Wybourne form (none for Wybourne).
 std::optional<CfConversion> conversionToWybourne(CfNormalisation from);
 std::optional<CfConversion> conversionFromWybourne(CfNormalisation to);
+
+// The normalisation a conversion expects its rows in, and the one it leaves them in.
+CfNormalisation conversionSource(CfConversion conversion);
+CfNormalisation conversionTarget(CfConversion conversion);
+
+// Runs a rotation of the frame on rows of the given normalisation. A rotation
+// mixes the q of one rank: Wybourne and unit-tensor rows (one factor per rank)
+// rotate as they stand, Stevens rows (a factor per k and q) pass through
+// Wybourne form and back.
+void rotateInTensorForm(CfTable& table, CfNormalisation form, const std::function<void(CfTable&)>& rotation);
 
 }  // namespace orvane::params
