@@ -73,7 +73,7 @@ private slots:
         DesktopFixture fixture;
         ParameterEditor* editor = fixture.window->openParameterEditor();
         int checked = 0;
-        for (const fs::path folder : {examplesFolder(), fs::path(ORVANE_SOURCE_DIR) / "tests/engine/parameter_corpus"})
+        for (const fs::path& folder : {examplesFolder(), fs::path(ORVANE_SOURCE_DIR) / "tests/engine/parameter_corpus"})
             for (const auto& entry : fs::directory_iterator(folder)) {
                 if (entry.path().extension() != ".par") continue;
                 ParameterSet set;
