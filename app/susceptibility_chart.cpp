@@ -100,6 +100,10 @@ SusceptibilityChart::SusceptibilityChart(MainWindow& main, std::filesystem::path
     auto* label = new QLabel(hints.join('\n'));
     label->setWordWrap(true);
     layout->addWidget(label);
+    // A floating legend keeps its corner of the plot area when the chart is laid out again.
+    connect(chart_, &QChart::plotAreaChanged, this, [this] {
+        if (!chart_->legend()->isAttachedToChart()) placeLegend();
+    });
     rebuild();
     startComputing(true);
 }
@@ -253,7 +257,7 @@ void SusceptibilityChart::placeLegend() {
     legend->detachFromChart();
     legend->setBackgroundVisible(true);
     const QRectF area = chart_->plotArea();
-    const QSizeF size(150, 24.0 * (legend->markers().size() + 1));
+    const QSizeF size(210, 24.0 * (legend->markers().size() + 1));
     QPointF corner = legendCode_ == 8 ? legendCustom_ : area.topLeft() + QPointF(8, 8);
     if (legendCode_ == 2) corner = QPointF(area.right() - size.width() - 8, area.top() + 8);
     legend->setGeometry(QRectF(corner, size));

@@ -79,7 +79,7 @@ private:
     std::array<bool, 4> shown_{true, true, true, true};
     std::array<bool, 2> log_{false, false};  // x, y
     std::optional<std::array<double, 4>> limits_;
-    int legendCode_ = 2;
+    int legendCode_ = 1;
     QPointF legendCustom_;
     QChart* chart_ = nullptr;
     QChartView* view_ = nullptr;
