@@ -11,9 +11,7 @@
 #include <QMenuBar>
 #include <QPainter>
 #include <QPointer>
-#include <QSaveFile>
 #include <QScatterSeries>
-#include <QSvgGenerator>
 #include <QValueAxis>
 #include <QVBoxLayout>
 #include <cmath>
@@ -21,6 +19,7 @@
 #include <fmt/format.h>
 
 #include "app/main_window.hpp"
+#include "app/picture_export.hpp"
 #include "core/user_error.hpp"
 #include "interactive/property_dialogs.hpp"
 #include "interactive/property_reports.hpp"
@@ -53,16 +52,6 @@ QAbstractAxis* makeAxis(bool log, const QString& title) {
     }
     axis->setTitleText(title);
     return axis;
-}
-
-// Writes through a temporary file renamed over `file` when complete.
-bool writeAtomically(const std::filesystem::path& file, const std::function<bool(QIODevice&)>& write) {
-    QSaveFile out(qtText(file.string()));
-    if (!out.open(QIODevice::WriteOnly) || !write(out)) {
-        out.cancelWriting();
-        return false;
-    }
-    return out.commit();
 }
 
 }  // namespace
@@ -117,8 +106,8 @@ void SusceptibilityChart::createMenus() {
         const auto path = QFileDialog::getOpenFileName(this, "Measured susceptibility", {}, "Excel or CSV (*.xlsx *.csv);;All Files (*.*)");
         if (!path.isEmpty()) loadMeasured(path.toStdString());
     });
-    file->addAction("Export PNG...", this, [this] { exportAsking("PNG (*.png)", false); });
-    file->addAction("Export SVG...", this, [this] { exportAsking("SVG (*.svg)", true); });
+    file->addAction("Export PNG...", this, [this] { exportAsking("PNG (*.png)"); });
+    file->addAction("Export SVG...", this, [this] { exportAsking("SVG (*.svg)"); });
 
     auto* edit = bar->addMenu("Edit");
     auto* scale = edit->addMenu("Axis scale");
@@ -324,31 +313,13 @@ bool SusceptibilityChart::loadMeasured(const std::filesystem::path& file) {
     }) && !measured_.empty();
 }
 
-bool SusceptibilityChart::exportPng(const std::filesystem::path& file) {
-    const QPixmap picture = view_->grab();
-    return writeAtomically(file, [&](QIODevice& out) { return picture.save(&out, "PNG"); });
+bool SusceptibilityChart::exportChart(const std::filesystem::path& file) {
+    return showingErrors(*main_.services().asker, [&] { exportPicture(*view_, file); });
 }
 
-bool SusceptibilityChart::exportSvg(const std::filesystem::path& file) {
-    return writeAtomically(file, [&](QIODevice& out) {
-        QSvgGenerator svg;
-        svg.setOutputDevice(&out);
-        svg.setSize(view_->size());
-        svg.setViewBox(QRect(QPoint(0, 0), view_->size()));
-        svg.setTitle(windowTitle());
-        QPainter painter;
-        if (!painter.begin(&svg)) return false;
-        view_->render(&painter);
-        return painter.end();
-    });
-}
-
-bool SusceptibilityChart::exportAsking(const QString& filter, bool svg) {
+void SusceptibilityChart::exportAsking(const QString& filter) {
     const auto path = QFileDialog::getSaveFileName(this, "Export chart", {}, filter);
-    if (path.isEmpty()) return false;
-    const bool written = svg ? exportSvg(path.toStdString()) : exportPng(path.toStdString());
-    if (!written) main_.services().asker->showMessage("Export chart", (path + ": could not be written").toStdString());
-    return written;
+    if (!path.isEmpty()) exportChart(path.toStdString());
 }
 
 int SusceptibilityChart::seriesCount() const { return static_cast<int>(chart_->series().size()); }

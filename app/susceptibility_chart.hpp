@@ -50,8 +50,8 @@ public:
     void setLegendPosition(int code, QPointF custom = {});
     // Measured X(Average) from .xlsx or CSV, drawn as points.
     bool loadMeasured(const std::filesystem::path& file);
-    bool exportPng(const std::filesystem::path& file);
-    bool exportSvg(const std::filesystem::path& file);
+    // The chart as PNG or SVG by the file's suffix (app/picture_export.hpp).
+    bool exportChart(const std::filesystem::path& file);
 
     QChart& chart() const { return *chart_; }
     int seriesCount() const;
@@ -68,7 +68,7 @@ private:
     void computed(SharedPropertyRun run, const std::vector<SusceptibilityPoint>& points);
     void rebuild();
     void placeLegend();
-    bool exportAsking(const QString& filter, bool svg);
+    void exportAsking(const QString& filter);
 
     MainWindow& main_;
     PropertyRunOptions options_;
