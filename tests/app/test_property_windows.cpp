@@ -4,6 +4,7 @@
 #include <QChart>
 #include <QScatterSeries>
 #include <QTableWidget>
+#include <algorithm>
 #include <set>
 
 #include "app/intensity_window.hpp"
@@ -97,6 +98,21 @@ private slots:
         const auto workbook = fixture.scratch("g.xlsx");
         QVERIFY(window.exportGFactors(workbook));
         QCOMPARE(Spreadsheet::open(workbook).number(2, 3, "gx"), doubletGFactors(run.states, moment, doublets[0].first, doublets[0].second).g[0]);
+        // Spin-Hamiltonian values of listed states: the doublet holding state 4 only.
+        const auto holding = std::find_if(doublets.begin(), doublets.end(), [](const auto& d) { return d.first == 3 || d.second == 3; });
+        fixture.asker.addAnswer("4");
+        QVERIFY(window.askSpinHamiltonian());
+        QCOMPARE(table.rowCount(), 1);
+        QCOMPARE(table.item(0, 0)->data(Qt::UserRole).toDouble(), double(holding->first + 1));
+
+        QVERIFY(window.showComposition(2));
+        const auto saved = fixture.scratch("results.txt");
+        QVERIFY(window.saveResults(saved));
+        QCOMPARE(QString::fromStdString(readTextFile(saved)), window.resultText() + '\n');
+        QVERIFY(window.resultText().contains("Statevector # 2"));
+        window.clearResults();
+        QVERIFY(window.resultText().isEmpty());
+
     }
 
     void intensityTablesHaveOneRowPerFinalLevel() {
