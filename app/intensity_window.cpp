@@ -18,6 +18,8 @@
 #include <QValueAxis>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 #include "app/main_window.hpp"
 #include "core/text.hpp"
 #include "core/user_error.hpp"
@@ -34,9 +36,13 @@ const std::vector<int> kMagneticColumns = {0, 1, 2, 5, 6, 7, 8, 9, 10};
 
 QTableWidget* transitionTable(const std::vector<int>& columns) {
     auto* table = new QTableWidget(0, static_cast<int>(columns.size()));
-    QStringList heads;
-    for (int c : columns) heads << qtText(kTransitionColumns[c]);
-    table->setHorizontalHeaderLabels(heads);
+    for (int c = 0; c < static_cast<int>(columns.size()); ++c) {
+        auto* head = new QTableWidgetItem(qtText(kTransitionColumns[columns[c]]));
+        if (columns[c] == 1 || columns[c] == 2)
+            head->setToolTip("Wavelength lambda(nm) or wavenumber k(cm^-1) of absorbed or emitted light");
+        if (columns[c] == 3) head->setToolTip("Line strength S(ED) for Electric Dipole transition normally in 1E-20 cm^2");
+        table->setHorizontalHeaderItem(c, head);
+    }
     return table;
 }
 
@@ -84,6 +90,11 @@ IntensityWindow::IntensityWindow(MainWindow& main, std::filesystem::path paramet
     buttons->addWidget(calculate);
     buttons->addWidget(fit);
     buttons->addWidget(wavelength);
+    order_ = new QComboBox;
+    order_->addItems({"State Number", "Wavelength"});
+    connect(order_, &QComboBox::currentIndexChanged, this, [this] { if (run_) fillTables(); });
+    buttons->addWidget(new QLabel("Order of the lines"));
+    buttons->addWidget(order_);
     buttons->addStretch();
     layout->addLayout(buttons);
 
@@ -123,9 +134,12 @@ bool IntensityWindow::inputsFromFields(IntensityRequest& request) {
     return showingErrors(*main_.services().asker, [&] {
         const auto omega = numbersOf(*omega_, "Omega2 Omega4 Omega6", 3);
         request.input.omega = {omega[0], omega[1], omega[2]};
-        request.input.index = refractiveIndexOf(host_->currentText().toStdString(), {},
-                                                numbersOf(*index_, "refractive index", 1)[0]);
-        request.input.radiusSquared = numbersOf(*radius_, "<r^2>", 1)[0];
+        const double index = numbersOf(*index_, "refractive index", 1)[0];
+        const double radiusSquared = numbersOf(*radius_, "<r^2>", 1)[0];
+        if (!(index > 0.0) || !(radiusSquared > 0.0))
+            throw UserError("Transition intensities", "the refractive index and <r^2> must be positive");
+        request.input.index = refractiveIndexOf(host_->currentText().toStdString(), {}, index);
+        request.input.radiusSquared = radiusSquared;
     });
 }
 
@@ -154,10 +168,17 @@ bool IntensityWindow::calculate() {
 }
 
 void IntensityWindow::fillTables() {
-    const auto fill = [this](QTableWidget& table, const std::vector<int>& columns) {
-        table.setRowCount(static_cast<int>(report_.lines.size()));
+    // The lines by final state (as computed) or by wavelength.
+    std::vector<std::size_t> order(report_.lines.size());
+    for (std::size_t i = 0; i < order.size(); ++i) order[i] = i;
+    if (order_->currentIndex() == 1)
+        std::stable_sort(order.begin(), order.end(), [this](std::size_t a, std::size_t b) {
+            return report_.lines[a].wavelength < report_.lines[b].wavelength;
+        });
+    const auto fill = [&](QTableWidget& table, const std::vector<int>& columns) {
+        table.setRowCount(static_cast<int>(order.size()));
         for (int row = 0; row < table.rowCount(); ++row) {
-            const auto cells = transitionCells(*run_, report_.lines[row]);
+            const auto cells = transitionCells(*run_, report_.lines[order[row]]);
             for (int c = 0; c < static_cast<int>(columns.size()); ++c)
                 table.setItem(row, c, new QTableWidgetItem(qtText(cells[columns[c]]).trimmed()));
         }
@@ -166,6 +187,8 @@ void IntensityWindow::fillTables() {
     fill(*edTable_, kElectricColumns);
     fill(*mdTable_, kMagneticColumns);
 }
+
+void IntensityWindow::setOrderByWavelength(bool byWavelength) { order_->setCurrentIndex(byWavelength ? 1 : 0); }
 
 void IntensityWindow::setWavelengthAxis(bool wavelength) {
     wavelengthAxis_ = wavelength;

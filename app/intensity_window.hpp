@@ -43,6 +43,8 @@ public:
     bool fitJuddOfelt(const std::filesystem::path& measuredLines);
     // The stick spectrum against wavelength (nm) instead of wavenumber (cm^-1).
     void setWavelengthAxis(bool wavelength);
+    // The rows of the tables by "State Number" (false) or by "Wavelength" (true).
+    void setOrderByWavelength(bool byWavelength);
 
     const QTableWidget& electricTable() const { return *edTable_; }
     const QTableWidget& magneticTable() const { return *mdTable_; }
@@ -66,6 +68,7 @@ private:
     bool wavelengthAxis_ = false;
     QLineEdit* omega_ = nullptr;
     QComboBox* host_ = nullptr;
+    QComboBox* order_ = nullptr;
     QLineEdit* index_ = nullptr;
     QLineEdit* radius_ = nullptr;
     QTableWidget* edTable_ = nullptr;

@@ -134,6 +134,9 @@ private slots:
         QCOMPARE(window.magneticTable().rowCount(), rows);
         QCOMPARE(window.electricTable().horizontalHeaderItem(3)->text(), QString("S(ED) calc."));
         QCOMPARE(window.stickCount(), rows);
+        window.setOrderByWavelength(true);
+        const auto lambda = [&](int row) { return window.electricTable().item(row, 1)->text().toDouble(); };
+        for (int row = 1; row < rows; ++row) QVERIFY(lambda(row - 1) <= lambda(row));
         window.setWavelengthAxis(true);
         QCOMPARE(window.stickCount(), rows);
     }
