@@ -70,6 +70,7 @@ const std::vector<QString>& susceptibilityChartHints() {
 
 struct SusceptibilityChart::Computed {
     std::vector<SusceptibilityPoint> points;
+    Spreadsheet exported;
 };
 
 SusceptibilityChart::SusceptibilityChart(MainWindow& main, std::filesystem::path parameterFile, int mode)
@@ -105,6 +106,10 @@ void SusceptibilityChart::createMenus() {
     file->addAction("Measured data...", this, [this] {
         const auto path = QFileDialog::getOpenFileName(this, "Measured susceptibility", {}, "Excel or CSV (*.xlsx *.csv);;All Files (*.*)");
         if (!path.isEmpty()) loadMeasured(path.toStdString());
+    });
+    file->addAction("Export table...", this, [this] {
+        const auto path = QFileDialog::getSaveFileName(this, "Export susceptibility", {}, "Excel (*.xlsx)");
+        if (!path.isEmpty()) exportTable(path.toStdString());
     });
     file->addAction("Export PNG...", this, [this] { exportAsking("PNG (*.png)"); });
     file->addAction("Export SVG...", this, [this] { exportAsking("SVG (*.svg)"); });
@@ -155,9 +160,14 @@ void SusceptibilityChart::startComputing(bool withEngine) {
         const auto request = askSusceptibilityTemperatures(*asker);
         if (!request) return;
         const auto grid = temperatureGrid(request->lower, request->upper, request->step);
-        result->points = susceptibilityReport(run, grid, std::nullopt, {}, options, log).points;
+        auto report = susceptibilityReport(run, grid, std::nullopt, {}, options, log);
+        result->points = std::move(report.points);
+        result->exported = std::move(report.exported);
     };
-    const auto done = [this, result](SharedPropertyRun run) { computed(std::move(run), result->points); };
+    const auto done = [this, result](SharedPropertyRun run) {
+        if (!result->points.empty()) exported_ = result->exported;
+        computed(std::move(run), result->points);
+    };
     if (withEngine) {
         startPropertyJob(main_, this, options_, compute, done);
         return;
@@ -311,6 +321,11 @@ bool SusceptibilityChart::loadMeasured(const std::filesystem::path& file) {
         measured_ = std::move(data.points);
         rebuild();
     }) && !measured_.empty();
+}
+
+bool SusceptibilityChart::exportTable(const std::filesystem::path& file) {
+    if (points_.empty()) return false;
+    return showingErrors(*main_.services().asker, [&] { exported_.save(file); });
 }
 
 bool SusceptibilityChart::exportChart(const std::filesystem::path& file) {

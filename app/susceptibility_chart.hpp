@@ -50,6 +50,8 @@ public:
     void setLegendPosition(int code, QPointF custom = {});
     // Measured X(Average) from .xlsx or CSV, drawn as points.
     bool loadMeasured(const std::filesystem::path& file);
+    // The table as a dated spreadsheet ("Temperature/K", "X(Average)", "C(Average)", ...).
+    bool exportTable(const std::filesystem::path& file);
     // The chart as PNG or SVG by the file's suffix (app/picture_export.hpp).
     bool exportChart(const std::filesystem::path& file);
 
@@ -74,6 +76,7 @@ private:
     PropertyRunOptions options_;
     SharedPropertyRun run_;
     std::vector<SusceptibilityPoint> points_;
+    Spreadsheet exported_;
     std::vector<MeasuredSusceptibility> measured_;
     SusceptibilityGraph graph_ = SusceptibilityGraph::ChiAgainstT;
     std::array<bool, 4> shown_{true, true, true, true};

@@ -58,6 +58,11 @@ private slots:
         QCOMPARE(chart.axisTitle(Qt::Vertical), QString("Inverse of Magnetic Susceptibility (mol/emu)"));
         QCOMPARE(chart.axisTitle(Qt::Horizontal), QString("Temperature (K)"));
 
+        // The exported table reads back as measured data, one row per temperature.
+        const auto exported = fixture.scratch("chi.xlsx");
+        QVERIFY(chart.exportTable(exported));
+        QCOMPARE(readMeasuredSusceptibility(exported).points.size(), chart.points().size());
+
         const auto measured = fixture.scratch("measured.csv");
         writeFileAtomically(measured, "Temperature,Average\n2,0.9\n10,0.2\n100,0.03\n");
         QVERIFY(chart.loadMeasured(measured));
