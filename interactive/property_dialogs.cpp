@@ -1,5 +1,7 @@
 #include "interactive/property_dialogs.hpp"
 
+#include <algorithm>
+
 #include <fmt/format.h>
 
 #include "core/text.hpp"
@@ -121,6 +123,20 @@ std::optional<double> askPopulationTemperature(Asker& asker) {
         });
     if (!answered) return std::nullopt;
     return temperature;
+}
+
+std::optional<std::array<double, 4>> askAxisLimits(Asker& asker, const std::string& current) {
+    std::array<double, 4> limits{};
+    const bool answered = askNumbers(
+        asker, {"Give limits of axes:min  x, max x, min y and max y", "Axis Limits", current},
+        [&](const std::vector<double>& n) -> std::string {
+            if (n.size() != 4) return "give min x, max x, min y and max y";
+            if (!(n[0] < n[1]) || !(n[2] < n[3])) return "each minimum must lie below its maximum";
+            std::copy(n.begin(), n.end(), limits.begin());
+            return "";
+        });
+    if (!answered) return std::nullopt;
+    return limits;
 }
 
 std::string tooManyRowsQuestion(std::size_t rowLimit) {

@@ -3,6 +3,7 @@
 // states, which range, which temperatures. Each returns std::nullopt when the
 // user cancels; an answer that cannot be used is asked again (the message
 // says why). "," and ";" count as blanks. State numbers are 1-based.
+#include <array>
 #include <optional>
 #include <string>
 #include <vector>
@@ -36,6 +37,10 @@ std::optional<double> askCurieTemperature(Asker& asker);
 
 // The temperature of the populations of transition probabilities (K, > 0).
 std::optional<double> askPopulationTemperature(Asker& asker);
+
+// "Give limits of axes:min  x, max x, min y and max y" of a chart: four
+// numbers, each minimum below its maximum; `current` is offered.
+std::optional<std::array<double, 4>> askAxisLimits(Asker& asker, const std::string& current);
 
 // A measured susceptibility file with more rows than are read: OK goes on
 // with the rows read, Cancel stops.
