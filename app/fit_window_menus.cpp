@@ -13,6 +13,7 @@
 #include "app/main_window.hpp"
 #include "app/parameter_editor.hpp"
 #include "app/picture_export.hpp"
+#include "app/state_vector_window.hpp"
 #include "core/number_format.hpp"
 #include "core/user_error.hpp"
 #include "fit/fit_errors.hpp"
@@ -257,6 +258,10 @@ void FitWindow::createFunctionsMenu(QMenu* functions) {
     functions->addAction("Crystal field invariants and strength", this, [logged] {
         logged("Crystal field invariants and strength",
                [](FitSession& s) { return crystalFieldInvariantLines(wybourneParametersOf(s.currentParameters())); });
+    });
+    functions->addAction("Spin Hamiltonian parameters", this, [this] {
+        if (auto* window = main_.openStateVectorWindow())
+            connect(window, &StateVectorWindow::statesReady, window, [window] { window->askSpinHamiltonian(); });
     });
     functions->addAction("Average and SD of all energies", this, [logged] {
         logged("Average and SD of all energies", [](FitSession& s) { return energyAverageLines(s.evaluation().energies); });

@@ -31,7 +31,7 @@ int main(int argc, char** argv) {
         // Unattended: every question is answered Yes, every message is printed.
         orvane::ScriptedAsker answers({}, std::vector<orvane::Choice>(100, orvane::Choice::Yes));
         orvane::app::MainWindow window({{}, {}, &answers});
-        const int code = orvane::app::takeScreenshots(window, files.front().toStdString(),
+        const int code = orvane::app::takeScreenshots(window, answers, files.front().toStdString(),
                                                       parser.value(screenshots).toStdString());
         for (const auto& message : answers.messages()) std::fprintf(stderr, "%s\n", message.c_str());
         return code;

@@ -32,6 +32,9 @@ namespace orvane::app {
 
 class DocumentWindow;
 class FitWindow;
+class IntensityWindow;
+class StateVectorWindow;
+class SusceptibilityChart;
 class LogBookWindow;
 class ParameterEditor;
 class QtLogBook;
@@ -103,6 +106,13 @@ public:
     // The fitting workspace over the parameter editor in front; nullptr
     // (with the refusal shown) without a kind of fit or an editor.
     FitWindow* openFitWindow();
+    // The property windows over the parameter editor's file (or a file asked
+    // for), in the mode of the chosen kind of fit (real crystal field when
+    // none is chosen). The state-vector window needs a kind of fit like the
+    // fitting window. nullptr when refused or cancelled.
+    StateVectorWindow* openStateVectorWindow();
+    SusceptibilityChart* openSusceptibilityChart();
+    IntensityWindow* openIntensityWindow();
 
     void clearLogBook();
     // Opens the backup as "Old Log Book"; nothing when there is none.
@@ -118,6 +128,9 @@ private:
     void createToolsMenu();
     void createHelpMenu();
     void createFitMenu();
+    void createPropertiesMenu();
+    int propertyMode() const;
+    std::filesystem::path propertyParameterFile();
     void createStatusBar();
     void rebuildRecentFilesMenu();
     void showJobProgress(const QString& stage, int done, int total);

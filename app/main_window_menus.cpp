@@ -16,6 +16,9 @@
 #include "app/document_window.hpp"
 #include "app/fit_window.hpp"
 #include "app/help_window.hpp"
+#include "app/intensity_window.hpp"
+#include "app/state_vector_window.hpp"
+#include "app/susceptibility_chart.hpp"
 #include "app/log_book_window.hpp"
 #include "app/main_window.hpp"
 #include "app/options_window.hpp"
@@ -166,6 +169,7 @@ void MainWindow::createMenus() {
     createTablesMenu();
     createToolsMenu();
     createFitMenu();
+    createPropertiesMenu();
 
     QMenu* windows = menuBar()->addMenu("&Window");
     connect(windows, &QMenu::aboutToShow, this, [this, windows] {
@@ -303,6 +307,8 @@ namespace {
 
 constexpr const char* kNoFitKindForFitting =
     "You must select a kind of fit to do before the Fitting Window could be displayed!";
+constexpr const char* kNoFitKindForStateVectors =
+    "You must select a kind of fit to do before the Statevectors Window could be displayed!";
 
 }  // namespace
 
@@ -346,6 +352,53 @@ void MainWindow::createFitMenu() {
     }
     fit->addSeparator();
     fit->addAction("&Fitting Window", this, [this] { openFitWindow(); });
+    fit->addAction("&Statevectors Window", this, [this] { openStateVectorWindow(); });
+}
+
+int MainWindow::propertyMode() const {
+    if (!fitKind_) return 0;
+    return *fitKind_ == FitKind::FreeIon ? 2 : *fitKind_ == FitKind::ComplexCrystalField ? 1 : 0;
+}
+
+std::filesystem::path MainWindow::propertyParameterFile() {
+    if (ParameterEditor* editor = parameterEditor(false); editor && !editor->filePath().empty())
+        return editor->save() ? editor->filePath() : std::filesystem::path();
+    return askOpenPath("File for Free-in and Crystal Field Parameters ", "Par files (*.par);;All files (*)");
+}
+
+StateVectorWindow* MainWindow::openStateVectorWindow() {
+    if (!fitKind_) {
+        services_.asker->showMessage("Orvane", kNoFitKindForStateVectors);
+        return nullptr;
+    }
+    const auto file = propertyParameterFile();
+    if (file.empty()) return nullptr;
+    auto* window = new StateVectorWindow(*this, file, propertyMode());
+    addDocument(window)->resize(820, 560);
+    return window;
+}
+
+SusceptibilityChart* MainWindow::openSusceptibilityChart() {
+    const auto file = propertyParameterFile();
+    if (file.empty()) return nullptr;
+    auto* window = new SusceptibilityChart(*this, file, propertyMode());
+    addDocument(window)->resize(820, 600);
+    return window;
+}
+
+IntensityWindow* MainWindow::openIntensityWindow() {
+    const auto file = propertyParameterFile();
+    if (file.empty()) return nullptr;
+    auto* window = new IntensityWindow(*this, file, propertyMode());
+    addDocument(window)->resize(900, 600);
+    return window;
+}
+
+void MainWindow::createPropertiesMenu() {
+    QMenu* properties = menuBar()->addMenu("&Properties");
+    properties->addAction("&Statevectors and g-factors...", this, [this] { openStateVectorWindow(); });
+    properties->addAction("Magnetic &Susceptibility Plot...", this, [this] { openSusceptibilityChart(); });
+    properties->addAction("Transition &Intensities...", this, [this] { openIntensityWindow(); });
 }
 
 }  // namespace orvane::app

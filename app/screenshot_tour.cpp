@@ -13,6 +13,7 @@
 #include "app/main_window.hpp"
 #include "app/parameter_editor.hpp"
 #include "app/picture_export.hpp"
+#include "app/susceptibility_chart.hpp"
 #include "fit/fit_workspace.hpp"
 
 namespace orvane::app {
@@ -100,14 +101,35 @@ bool fitPictures(MainWindow& window, const std::filesystem::path& examples, cons
     return true;
 }
 
+// The susceptibility of Er3+ from 2 to 300 K on the logarithmic grid, with its average curve.
+bool susceptibilityPicture(MainWindow& window, ScriptedAsker& answers, const std::filesystem::path& examples,
+                           const std::filesystem::path& folder) {
+    ParameterEditor* editor = window.openParameterEditor(examples / "Er3plus-LaF3.par");
+    if (!editor) return false;
+    answers.addAnswer("2 300");
+    window.chooseFitKind(FitKind::RealCrystalField);
+    SusceptibilityChart* chart = window.openSusceptibilityChart();
+    if (!chart) return false;
+    waitForJob(window);
+    settle(300);
+    if (!chart->ready()) return false;
+    closeAllBut(window, {chart});
+    sideBySide(window, window.logBook(), *chart, 0.35);
+    settle(300);
+    exportPicture(window, folder / "desktop-chi.png");
+    return true;
+}
+
 }  // namespace
 
-int takeScreenshots(MainWindow& window, const std::filesystem::path& examples, const std::filesystem::path& folder) {
+int takeScreenshots(MainWindow& window, ScriptedAsker& answers, const std::filesystem::path& examples,
+                    const std::filesystem::path& folder) {
     std::filesystem::create_directories(folder);
     window.resize(1280, 820);
     window.show();
     settle(200);
-    const bool taken = runPicture(window, examples, folder) && fitPictures(window, examples, folder);
+    const bool taken = runPicture(window, examples, folder) && fitPictures(window, examples, folder) &&
+                       susceptibilityPicture(window, answers, examples, folder);
     return taken ? 0 : 1;
 }
 

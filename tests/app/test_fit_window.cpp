@@ -74,6 +74,9 @@ class FitWindowTest : public QObject {
 private slots:
     void opensOnlyAfterAKindOfFit() {
         DesktopFixture fixture;
+        QVERIFY(!fixture.window->openStateVectorWindow());
+        QVERIFY(fixture.asker.messages().back().find("You must select a kind of fit to do before the Statevectors "
+                                                     "Window could be displayed!") != std::string::npos);
         QVERIFY(!fixture.window->openFitWindow());
         QVERIFY(fixture.asker.messages().back().find("You must select a kind of fit to do before the Fitting Window "
                                                      "could be displayed!") != std::string::npos);
