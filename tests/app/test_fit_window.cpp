@@ -53,7 +53,7 @@ struct FitFixture : DesktopFixture {
     std::filesystem::path parameters = scratch("Nd.par");
     std::filesystem::path observed = scratch("Nd-levels.txt");
     ParameterEditor* editor = nullptr;
-    FitFixture() {
+    explicit FitFixture(std::vector<Choice> choices = {}) : DesktopFixture({}, std::move(choices)) {
         std::filesystem::copy_file(examplesFolder() / "Nd3plus-LaF3.par", parameters);
         writeSyntheticLevels(parameters, observed);
         editor = window->openParameterEditor(parameters);
@@ -161,7 +161,8 @@ private slots:
     }
 
     void differentialEvolutionRefusesThenSearchesAndTransfers() {
-        FitFixture fixture;
+        // Yes to "Go ahead?" should a loaded machine make the estimate reach a minute, then Cancel.
+        FitFixture fixture({Choice::Yes, Choice::Cancel});
         FitWindow* fit = fixture.openFit();
         QVERIFY(fit);
         DEWindow superposition(*fixture.window, *fit, true);
@@ -199,6 +200,18 @@ private slots:
         const auto* f2 = findFitParameter(fit->workspace().parameters, "F2");
         QCOMPARE(f2->finalFit, best[0]);
         QVERIFY(fixture.window->logBook().plainContent().contains("CF Fitting by Differential Evolution Method started on"));
+
+        // Break: "Continue or Cancel DE iteration" answered other than Continue interrupts the search.
+        search.setSetting(DESettingId::MaxIterations, "40");
+        QVERIFY(search.start());
+        search.requestBreak();
+        QVERIFY(fixture.waitForJob());
+        QTest::qWait(20);
+        const auto& messages = fixture.asker.messages();
+        QVERIFY(std::any_of(messages.begin(), messages.end(),
+                            [](const std::string& m) { return m.find(kDEContinueQuestion) != std::string::npos; }));
+        QVERIFY(fixture.window->logBook().plainContent().contains("DE Interrupted"));
+        QVERIFY(search.chartPoints() < 41);
     }
 };
 
