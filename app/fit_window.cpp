@@ -15,6 +15,7 @@
 #include "app/main_window.hpp"
 #include "app/parameter_editor.hpp"
 #include "core/user_error.hpp"
+#include "fit/fit_checks.hpp"
 #include "fit/fit_parameters.hpp"
 #include "fit/fit_tables.hpp"
 #include "fit/observed_levels_file.hpp"
@@ -132,6 +133,10 @@ void FitWindow::adoptParameterRows(const std::vector<FitParameter>& rows) {
     writeBackToEditor();
 }
 
+bool FitWindow::realFitOfComplexSet() const {
+    return workspace_.kind == FitKind::RealCrystalField && hasImaginaryCrystalField(set_);
+}
+
 void FitWindow::pullEdits() {
     if (busy_) return;
     readParameterEdits(*parameters_, workspace_.parameters);
@@ -197,7 +202,8 @@ bool FitWindow::startFitJob(const QString& name, FitBody body, bool writeBack) {
 }
 
 bool FitWindow::runCommand() {
-    const FitCheckOutcome outcome = checkFitSetup(workspace_, {false, false});
+    pullEdits();
+    const FitCheckOutcome outcome = checkFitSetup(workspace_, {false, realFitOfComplexSet()});
     if (!confirmFitCycle(outcome, *main_.services().asker, *main_.services().log)) return false;
     const auto stop = stop_;
     const bool started = startFitJob("Run Command", [stop](FitSession& session, LogBook& log) {
@@ -212,7 +218,7 @@ bool FitWindow::runCommand() {
 
 bool FitWindow::ultimateFit() {
     pullEdits();
-    const FitCheckOutcome outcome = checkFitSetup(workspace_, {false, false});
+    const FitCheckOutcome outcome = checkFitSetup(workspace_, {false, realFitOfComplexSet()});
     if (!confirmFitCycle(outcome, *main_.services().asker, *main_.services().log)) return false;
     const auto stop = stop_;
     Asker* asker = main_.services().asker;

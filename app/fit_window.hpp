@@ -90,6 +90,7 @@ private:
     void createEditMenu(QMenu* edit);
     bool startFitJob(const QString& name, FitBody body, bool writeBack);
     void pullEdits();
+    bool realFitOfComplexSet() const;
     void showWorkspace(const FitWorkspace& workspace);
     void setBusy(bool busy);
     void askSetting(int id);

@@ -366,32 +366,33 @@ std::filesystem::path MainWindow::propertyParameterFile() {
     return askOpenPath("File for Free-in and Crystal Field Parameters ", "Par files (*.par);;All files (*)");
 }
 
+namespace {
+
+// A property window of the given size over the parameter file the main window finds (or asks for).
+template <typename Window>
+Window* openPropertyWindow(MainWindow& main, const std::filesystem::path& file, int mode, QSize size) {
+    if (file.empty()) return nullptr;
+    auto* window = new Window(main, file, mode);
+    main.addDocument(window)->resize(size);
+    return window;
+}
+
+}  // namespace
+
 StateVectorWindow* MainWindow::openStateVectorWindow() {
     if (!fitKind_) {
         services_.asker->showMessage("Orvane", kNoFitKindForStateVectors);
         return nullptr;
     }
-    const auto file = propertyParameterFile();
-    if (file.empty()) return nullptr;
-    auto* window = new StateVectorWindow(*this, file, propertyMode());
-    addDocument(window)->resize(820, 560);
-    return window;
+    return openPropertyWindow<StateVectorWindow>(*this, propertyParameterFile(), propertyMode(), {820, 560});
 }
 
 SusceptibilityChart* MainWindow::openSusceptibilityChart() {
-    const auto file = propertyParameterFile();
-    if (file.empty()) return nullptr;
-    auto* window = new SusceptibilityChart(*this, file, propertyMode());
-    addDocument(window)->resize(820, 600);
-    return window;
+    return openPropertyWindow<SusceptibilityChart>(*this, propertyParameterFile(), propertyMode(), {820, 600});
 }
 
 IntensityWindow* MainWindow::openIntensityWindow() {
-    const auto file = propertyParameterFile();
-    if (file.empty()) return nullptr;
-    auto* window = new IntensityWindow(*this, file, propertyMode());
-    addDocument(window)->resize(900, 600);
-    return window;
+    return openPropertyWindow<IntensityWindow>(*this, propertyParameterFile(), propertyMode(), {900, 600});
 }
 
 void MainWindow::createPropertiesMenu() {

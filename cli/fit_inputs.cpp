@@ -9,12 +9,6 @@ FitKind fitKindOf(bool freeIon, bool complex) {
     return freeIon ? FitKind::FreeIon : complex ? FitKind::ComplexCrystalField : FitKind::RealCrystalField;
 }
 
-bool hasImaginaryCrystalField(const ParameterSet& set) {
-    for (const auto& row : set.crystalField)
-        if (row.im.value != 0.0) return true;
-    return false;
-}
-
 std::filesystem::path besideInput(const std::string& file, const std::string& suffix) {
     const std::filesystem::path path(file);
     return path.parent_path() / (path.stem().string() + suffix + ".par");

@@ -11,7 +11,6 @@
 namespace orvane::cli {
 
 FitKind fitKindOf(bool freeIon, bool complex);
-bool hasImaginaryCrystalField(const ParameterSet& set);
 // FILE.par -> FILE<suffix>.par in the same folder.
 std::filesystem::path besideInput(const std::string& file, const std::string& suffix);
 // `observed`, or "defaulteng.txt" below the program's folder; UserError when neither.

@@ -160,4 +160,10 @@ FitCheckOutcome checkFitSetup(const FitWorkspace& workspace, const FitCheckConte
     return outcome;
 }
 
+bool hasImaginaryCrystalField(const ParameterSet& set) {
+    for (const auto& row : set.crystalField)
+        if (row.im.value != 0.0) return true;
+    return false;
+}
+
 }  // namespace orvane

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "engine/parameter_set.hpp"
 #include "fit/fit_workspace.hpp"
 
 namespace orvane {
@@ -27,6 +28,9 @@ inline constexpr const char* kRealFitOfComplexSetQuestion =
     "There are complex CF parameters. Do you really want to run this real CF fit?";
 
 FitCheckOutcome checkFitSetup(const FitWorkspace& workspace, const FitCheckContext& context);
+
+// The set holds a non-zero Im B(k,q) (asked about before a real crystal-field fit).
+bool hasImaginaryCrystalField(const ParameterSet& set);
 
 // The row a linked parameter finally follows (through chains of links), or
 // -1 when the chain ends at an unknown name or runs in a circle.
