@@ -2,7 +2,9 @@
 
 #include <QList>
 #include <QString>
+#include <algorithm>
 #include <cctype>
+#include <charconv>
 
 namespace orvane::app {
 
@@ -91,8 +93,10 @@ std::string plainTextOfRichText(std::string_view rtf) {
             continue;
         }
         if (next == '\'') {  // \'hh: a byte in the document's code page, taken as Latin-1
-            if (i + 2 < rtf.size() && !skipDepth)
-                text += static_cast<char16_t>(std::stoi(std::string(rtf.substr(i + 1, 2)), nullptr, 16));
+            unsigned byte = 0;
+            const char* first = rtf.data() + std::min(i + 1, rtf.size());
+            const char* last = rtf.data() + std::min(i + 3, rtf.size());
+            if (!skipDepth && std::from_chars(first, last, byte, 16).ptr == last) text += static_cast<char16_t>(byte);
             i += 3;
             continue;
         }
@@ -111,8 +115,10 @@ std::string plainTextOfRichText(std::string_view rtf) {
             text += u'\n';
         } else if (word == "tab") {
             text += u'\t';
-        } else if (word == "u" && !number.empty()) {
-            text += static_cast<char16_t>(static_cast<uint16_t>(static_cast<int16_t>(std::stoi(number))));
+        } else if (int code = 0; word == "u" &&
+                   std::from_chars(number.data(), number.data() + number.size(), code).ptr == number.data() + number.size() &&
+                   !number.empty() && code >= -32768 && code <= 65535) {
+            text += static_cast<char16_t>(static_cast<uint16_t>(code));
             pendingFallback = 1;
         }
     }

@@ -144,6 +144,9 @@ private slots:
         const std::string text = "Orvane Log Book\n{braces} and \\backslash\n\tB20 = -245.3 cm\u207b\u00b9\n";
         QCOMPARE(plainTextOfRichText(richTextOf(text)), text);
         QVERIFY(looksLikeRichText(richTextOf(text)));
+        // Damaged files give what text they hold, never an exception.
+        for (const char* damaged : {"{\\rtf1 a\\'zz b}", "{\\rtf1 \\u99999999999 x}", "{\\rtf1 \\'4", "}}}\\", "{\\rtf1 \\u-"})
+            QVERIFY(plainTextOfRichText(damaged).size() < 20);
     }
 
     void helpPagesTravelWithTheProgram() {
